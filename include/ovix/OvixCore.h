@@ -1,0 +1,72 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+#include "ovix/OvixEvents.h"
+#include "ovix/OvixSdkListener.h"
+#include "ovix/Value.h"
+
+namespace ovix {
+
+/// The one object a game talks to.
+///
+/// `OvixCore::shared()` is created on first use (thread-safe) and lives for the process. The backend
+/// addresses are copied from the installed platform's environment at that moment: install a platform
+/// (or choose an emulator) before the first call.
+///
+/// Threading: UI operations must be called on the main thread. No operation throws; failures arrive
+/// as nil results, `BILLING_ERROR` events, alerts or console lines.
+class OvixCore {
+public:
+    static OvixCore& shared();
+
+    OvixCore(const OvixCore&) = delete;
+    OvixCore& operator=(const OvixCore&) = delete;
+
+    /// Base address of the accounts host (login page, user info, eligibility), no trailing slash.
+    const std::string& urlString() const { return urlString_; }
+    /// Base address of the graph host (news feed, image upload), no trailing slash.
+    const std::string& urlGraph() const { return urlGraph_; }
+    /// The push topic's base name, "games-dev".
+    const std::string& topicFirebase() const { return topicFirebase_; }
+    /// The game's listener, or null when none is set or the game has released it.
+    std::shared_ptr<OvixSdkListener> listener() const;
+
+    /// Stores `clientId` as given (empty included) and runs the push manager's set-up. The other
+    /// three arguments are accepted and ignored. May be called again: the id is overwritten and the
+    /// push set-up runs again.
+    void initSdk(std::string_view clientId, std::string_view adjustToken, std::string_view environmentAdjust,
+                 std::string_view admobID);
+    /// Holds `listener` weakly, replacing any earlier one; keep it alive yourself. Null clears it.
+    void setListener(std::shared_ptr<OvixSdkListener> listener);
+    /// Clears the stored token, marks the session "logout" and raises `LOGOUT_SUCCESS` (null data).
+    /// The overlay buttons stay; removing them is the game's call.
+    void logout();
+    /// The stored access token, or "" when none is stored.
+    std::string getTokenApp() const;
+    /// Asks for notification permission when the player has not decided yet, otherwise reports the
+    /// decision. `callback` runs exactly once, always later on the main queue, with true when
+    /// notifications are allowed (authorised or provisional).
+    void requestNotificationPermission(std::function<void(bool)> callback);
+
+    /// Raises `event` through the one event mechanism: the listener, if set, gets it once, on the
+    /// calling thread. Used by the SDK's own components; a game may raise its reserved events too.
+    void raise(std::string_view event, const Value& data = Value()) const;
+
+private:
+    OvixCore();
+
+    const std::string urlString_;
+    const std::string urlGraph_;
+    const std::string topicFirebase_ = "games-dev";
+
+    // Guards only the weak reference itself; never held while calling out.
+    mutable std::mutex listenerMutex_;
+    std::weak_ptr<OvixSdkListener> listener_;
+};
+
+}  // namespace ovix

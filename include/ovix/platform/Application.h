@@ -1,0 +1,30 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace ovix::kit {
+class Window;
+class WindowScene;
+}  // namespace ovix::kit
+
+namespace ovix::platform {
+
+/// The host application: its scenes and windows, URL handling and remote-notification registration.
+///
+/// Threading: main thread only. Scene and window lists are in a stable order (the order in which they
+/// were connected or created).
+class Application {
+public:
+    virtual ~Application() = default;
+    virtual std::vector<std::shared_ptr<kit::WindowScene>> connectedScenes() const = 0;
+    /// Every window of the application, in creation order.
+    virtual std::vector<std::shared_ptr<kit::Window>> windows() const = 0;
+    /// Hands the URL to the system's URL handler; false when nothing could take it.
+    virtual bool open(const std::string& url) = 0;
+    virtual bool canOpen(const std::string& url) const = 0;
+    virtual void registerForRemoteNotifications() = 0;
+};
+
+}  // namespace ovix::platform

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace ovix::platform {
+
+using HttpHeaders = std::vector<std::pair<std::string, std::string>>;
+
+struct HttpRequest {
+    std::string method = "GET";
+    std::string url;
+    HttpHeaders headers;  ///< sent in this order, exactly these (no defaults added beyond the protocol's)
+    std::string body;     ///< moved into the transport; never copied again
+    double timeoutSeconds = 60.0;
+};
+
+struct HttpResponse {
+    long status = 0;
+    HttpHeaders headers;
+    std::string body;
+};
+
+/// Exactly one of `response` or `error` is set.
+struct HttpResult {
+    std::optional<HttpResponse> response;
+    std::optional<std::string> error;  ///< a readable description of the transport failure
+};
+
+/// Sends HTTP requests.
+///
+/// Threading: `send` may be called from any thread and returns at once. The completion runs exactly
+/// once, on the transport's callback thread: never inline inside `send`, never while the transport
+/// holds a lock. Destroying the client cancels what is in flight; no completion runs after the
+/// destructor has returned. TLS certificates are always verified.
+class HttpClient {
+public:
+    using Completion = std::function<void(HttpResult)>;
+    virtual ~HttpClient() = default;
+    virtual void send(HttpRequest request, Completion completion) = 0;
+};
+
+}  // namespace ovix::platform

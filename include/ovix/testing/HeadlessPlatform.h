@@ -1,0 +1,42 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "ovix/platform/Platform.h"
+#include "ovix/testing/CapturingConsole.h"
+#include "ovix/testing/DirectoryResourceBundle.h"
+#include "ovix/testing/FakeNotificationCenter.h"
+#include "ovix/testing/MemoryKeyValueStore.h"
+#include "ovix/testing/VirtualMainQueue.h"
+
+namespace ovix::testing {
+
+/// A deterministic platform for the SDK's tests and a game's own: virtual-time main queue, console
+/// capture, in-memory store, scriptable notification centre, resources in chosen directories.
+/// Services without a headless double answer "unsupported"; a test may replace any member of
+/// `platform` before installing it.
+struct HeadlessPlatform {
+    struct Options {
+        platform::Environment environment = platform::Environment::production();
+        /// Host application's resources; the SDK's code directory holds "OvixSdkResources.bundle".
+        std::filesystem::path mainResources = ".";
+        std::filesystem::path codeResources = ".";
+        bool echoConsole = false;
+    };
+
+    std::shared_ptr<platform::Platform> platform;
+    std::shared_ptr<VirtualMainQueue> mainQueue;
+    std::shared_ptr<CapturingConsole> console;
+    std::shared_ptr<MemoryKeyValueStore> store;
+    std::shared_ptr<FakeNotificationCenter> notificationCenter;
+    std::shared_ptr<DirectoryResourceBundle> resources;
+
+    /// Builds the platform; the calling thread becomes its main thread. Not installed yet.
+    static HeadlessPlatform create(Options options);
+    static HeadlessPlatform create() { return create(Options{}); }
+    /// `platform::install(platform)`.
+    void install() const;
+};
+
+}  // namespace ovix::testing

@@ -1,0 +1,36 @@
+#include "ovix/platform/Platform.h"
+#include "platform/posix/ExecutableResourceBundle.h"
+#include "platform/posix/StdoutConsole.h"
+#include "platform/posix/ThreadMainQueue.h"
+#include "platform/sqlite/SqliteKeyValueStore.h"
+#include "platform/unsupported/UnsupportedApplication.h"
+#include "platform/unsupported/UnsupportedDeviceFacts.h"
+#include "platform/unsupported/UnsupportedHttpClient.h"
+#include "platform/unsupported/UnsupportedImageCodec.h"
+#include "platform/unsupported/UnsupportedImagePicker.h"
+#include "platform/unsupported/UnsupportedNotificationCenter.h"
+#include "platform/unsupported/UnsupportedPushClient.h"
+#include "platform/unsupported/UnsupportedStore.h"
+
+namespace ovix::platform {
+
+// The desktop Linux services this build has; what it lacks answers "unsupported".
+std::shared_ptr<Platform> makeDefault() {
+    auto p = std::make_shared<Platform>();
+    p->environment = Environment::production();
+    p->console = std::make_shared<StdoutConsole>();
+    p->mainQueue = std::make_shared<ThreadMainQueue>();
+    p->keyValueStore = std::make_shared<SqliteKeyValueStore>(SqliteKeyValueStore::defaultPath(), p->console);
+    p->resources = std::make_shared<ExecutableResourceBundle>();
+    p->http = std::make_shared<UnsupportedHttpClient>();
+    p->notificationCenter = std::make_shared<UnsupportedNotificationCenter>();
+    p->pushClient = std::make_shared<UnsupportedPushClient>();
+    p->store = std::make_shared<UnsupportedStore>();
+    p->deviceFacts = std::make_shared<UnsupportedDeviceFacts>();
+    p->imagePicker = std::make_shared<UnsupportedImagePicker>();
+    p->imageCodec = std::make_shared<UnsupportedImageCodec>();
+    p->application = std::make_shared<UnsupportedApplication>();
+    return p;
+}
+
+}  // namespace ovix::platform

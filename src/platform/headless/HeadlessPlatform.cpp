@@ -1,0 +1,42 @@
+#include "ovix/testing/HeadlessPlatform.h"
+
+#include "platform/unsupported/UnsupportedApplication.h"
+#include "platform/unsupported/UnsupportedDeviceFacts.h"
+#include "platform/unsupported/UnsupportedHttpClient.h"
+#include "platform/unsupported/UnsupportedImageCodec.h"
+#include "platform/unsupported/UnsupportedImagePicker.h"
+#include "platform/unsupported/UnsupportedNotificationCenter.h"
+#include "platform/unsupported/UnsupportedPushClient.h"
+#include "platform/unsupported/UnsupportedStore.h"
+
+namespace ovix::testing {
+
+HeadlessPlatform HeadlessPlatform::create(Options options) {
+    HeadlessPlatform h;
+    h.mainQueue = std::make_shared<VirtualMainQueue>();
+    h.console = std::make_shared<CapturingConsole>(options.echoConsole);
+    h.store = std::make_shared<MemoryKeyValueStore>();
+    h.notificationCenter = std::make_shared<FakeNotificationCenter>();
+    h.resources = std::make_shared<DirectoryResourceBundle>(options.mainResources, options.codeResources);
+
+    h.platform = std::make_shared<platform::Platform>();
+    auto& p = *h.platform;
+    p.environment = std::move(options.environment);
+    p.mainQueue = h.mainQueue;
+    p.console = h.console;
+    p.keyValueStore = h.store;
+    p.notificationCenter = h.notificationCenter;
+    p.resources = h.resources;
+    p.http = std::make_shared<platform::UnsupportedHttpClient>();
+    p.pushClient = std::make_shared<platform::UnsupportedPushClient>();
+    p.store = std::make_shared<platform::UnsupportedStore>();
+    p.deviceFacts = std::make_shared<platform::UnsupportedDeviceFacts>();
+    p.imagePicker = std::make_shared<platform::UnsupportedImagePicker>();
+    p.imageCodec = std::make_shared<platform::UnsupportedImageCodec>();
+    p.application = std::make_shared<platform::UnsupportedApplication>();
+    return h;
+}
+
+void HeadlessPlatform::install() const { platform::install(platform); }
+
+}  // namespace ovix::testing

@@ -1,0 +1,71 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "ovix/testing/HeadlessPlatform.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class ResourceLookup : public ::testing::Test {
+protected:
+    void SetUp() override {
+        root = fs::temp_directory_path() / ("ovix-bundle-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
+                                            "-" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::remove_all(root);
+        fs::create_directories(root / "code");
+        fs::create_directories(root / "host");
+    }
+    void TearDown() override { fs::remove_all(root); }
+
+    static void touch(const fs::path& p) { std::ofstream(p) << "x"; }
+
+    ovix::platform::Bundle sdkBundle() {
+        ovix::testing::HeadlessPlatform::Options options;
+        options.mainResources = root / "host";
+        options.codeResources = root / "code";
+        return ovix::testing::HeadlessPlatform::create(options).platform->sdkBundle();
+    }
+
+    fs::path root;
+};
+
+TEST_F(ResourceLookup, UsesTheResourcesBundleInsideTheCodeBundle) {
+    fs::create_directories(root / "code" / "OvixSdkResources.bundle");
+    touch(root / "code" / "OvixSdkResources.bundle" / "ic_sdk_float.png");
+    auto bundle = sdkBundle();
+    EXPECT_EQ(bundle.directory(), root / "code" / "OvixSdkResources.bundle");
+    EXPECT_EQ(bundle.imagePath("ic_sdk_float"), root / "code" / "OvixSdkResources.bundle" / "ic_sdk_float.png");
+    EXPECT_FALSE(bundle.imagePath("user")) << "an absent image is nothing, not an error";
+}
+
+TEST_F(ResourceLookup, FallsBackToTheCodeBundleWhenMissingOrNotABundle) {
+    touch(root / "code" / "user.png");
+    EXPECT_EQ(sdkBundle().directory(), root / "code");
+    EXPECT_TRUE(sdkBundle().imagePath("user"));
+
+    touch(root / "code" / "OvixSdkResources.bundle");  // a plain file is not a bundle
+    EXPECT_EQ(sdkBundle().directory(), root / "code");
+}
+
+TEST_F(ResourceLookup, FilesByNameAndType) {
+    touch(root / "host" / "GoogleService-Info.plist");
+    ovix::platform::Bundle host(root / "host");
+    EXPECT_EQ(host.pathForResource("GoogleService-Info", "plist"), root / "host" / "GoogleService-Info.plist");
+    EXPECT_FALSE(host.pathForResource("GoogleService-Info", "json"));
+    EXPECT_FALSE(host.pathForResource("", "plist"));
+    EXPECT_FALSE(ovix::platform::Bundle::open(root / "nowhere"));
+}
+
+TEST_F(ResourceLookup, ComputedOncePerPlatform) {
+    ovix::testing::HeadlessPlatform::Options options;
+    options.codeResources = root / "code";
+    auto h = ovix::testing::HeadlessPlatform::create(options);
+    EXPECT_EQ(h.platform->sdkBundle().directory(), root / "code");
+    fs::create_directories(root / "code" / "OvixSdkResources.bundle");
+    EXPECT_EQ(&h.platform->sdkBundle(), &h.platform->sdkBundle());
+    EXPECT_EQ(h.platform->sdkBundle().directory(), root / "code") << "first answer is kept";
+}
+
+}  // namespace
