@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <iosfwd>
 #include <map>
 #include <memory>
 #include <optional>
@@ -87,5 +88,8 @@ private:
                                  std::shared_ptr<Array>, std::shared_ptr<Dictionary>>;
     Storage data_;
 };
+
+/// Writes the value's JSON text (also how test frameworks print it).
+std::ostream& operator<<(std::ostream& out, const Value& value);
 
 }  // namespace ovix

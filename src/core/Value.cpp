@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <nlohmann/json.hpp>
+#include <ostream>
 
 namespace ovix {
 
@@ -206,5 +207,7 @@ bool operator==(const Value& a, const Value& b) {
             return a.data_ == b.data_;
     }
 }
+
+std::ostream& operator<<(std::ostream& out, const Value& value) { return out << value.toJson(); }
 
 }  // namespace ovix
