@@ -3,6 +3,7 @@
 #include "platform/posix/StdoutConsole.h"
 #include "platform/posix/ThreadMainQueue.h"
 #include "platform/sqlite/SqliteKeyValueStore.h"
+#include "platform/openssl/OpenSslCrypto.h"
 #include "platform/unsupported/UnsupportedApplication.h"
 #include "platform/unsupported/UnsupportedDeviceFacts.h"
 #include "platform/unsupported/UnsupportedHttpClient.h"
@@ -30,6 +31,7 @@ std::shared_ptr<Platform> makeDefault() {
     p->imagePicker = std::make_shared<UnsupportedImagePicker>();
     p->imageCodec = std::make_shared<UnsupportedImageCodec>();
     p->application = std::make_shared<UnsupportedApplication>();
+    p->crypto = std::make_shared<OpenSslCrypto>();
     return p;
 }
 

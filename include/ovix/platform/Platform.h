@@ -6,6 +6,7 @@
 
 #include "ovix/platform/Application.h"
 #include "ovix/platform/Console.h"
+#include "ovix/platform/Crypto.h"
 #include "ovix/platform/DeviceFacts.h"
 #include "ovix/platform/Environment.h"
 #include "ovix/platform/HttpClient.h"
@@ -41,6 +42,7 @@ struct Platform {
     std::shared_ptr<ImageCodec> imageCodec;
     std::shared_ptr<Application> application;
     std::shared_ptr<ResourceBundle> resources;
+    std::shared_ptr<Crypto> crypto;
 
     /// The SDK's resource bundle: "OvixSdkResources.bundle" inside the code bundle, or the code bundle
     /// itself when that is missing or cannot be opened. Computed once per platform, on first use.

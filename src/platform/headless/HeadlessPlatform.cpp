@@ -1,5 +1,6 @@
 #include "ovix/testing/HeadlessPlatform.h"
 
+#include "platform/openssl/OpenSslCrypto.h"
 #include "platform/unsupported/UnsupportedApplication.h"
 #include "platform/unsupported/UnsupportedDeviceFacts.h"
 #include "platform/unsupported/UnsupportedHttpClient.h"
@@ -34,6 +35,7 @@ HeadlessPlatform HeadlessPlatform::create(Options options) {
     p.imagePicker = std::make_shared<platform::UnsupportedImagePicker>();
     p.imageCodec = std::make_shared<platform::UnsupportedImageCodec>();
     p.application = std::make_shared<platform::UnsupportedApplication>();
+    p.crypto = std::make_shared<platform::OpenSslCrypto>();
     return h;
 }
 
