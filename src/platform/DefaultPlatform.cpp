@@ -1,4 +1,5 @@
 #include "ovix/platform/Platform.h"
+#include "ovix/platform/SandboxStore.h"
 #include "platform/posix/ExecutableResourceBundle.h"
 #include "platform/posix/StdoutConsole.h"
 #include "platform/posix/ThreadMainQueue.h"
@@ -11,7 +12,6 @@
 #include "platform/unsupported/UnsupportedImagePicker.h"
 #include "platform/unsupported/UnsupportedNotificationCenter.h"
 #include "platform/unsupported/UnsupportedPushClient.h"
-#include "platform/unsupported/UnsupportedStore.h"
 
 namespace ovix::platform {
 
@@ -26,7 +26,8 @@ std::shared_ptr<Platform> makeDefault() {
     p->http = std::make_shared<UnsupportedHttpClient>();
     p->notificationCenter = std::make_shared<UnsupportedNotificationCenter>();
     p->pushClient = std::make_shared<UnsupportedPushClient>();
-    p->store = std::make_shared<UnsupportedStore>();
+    // Linux has no platform store: the sandbox store, from the catalog file the developer named.
+    p->store = SandboxStore::createConfigured(p->resources->mainBundle(), *p->console);
     p->deviceFacts = std::make_shared<UnsupportedDeviceFacts>();
     p->imagePicker = std::make_shared<UnsupportedImagePicker>();
     p->imageCodec = std::make_shared<UnsupportedImageCodec>();

@@ -4,9 +4,11 @@
 #include <memory>
 
 #include "ovix/platform/Platform.h"
+#include "ovix/platform/SandboxStore.h"
 #include "ovix/testing/CapturingConsole.h"
 #include "ovix/testing/DirectoryResourceBundle.h"
 #include "ovix/testing/FakeNotificationCenter.h"
+#include "ovix/testing/HeadlessDeviceFacts.h"
 #include "ovix/testing/MemoryKeyValueStore.h"
 #include "ovix/testing/VirtualMainQueue.h"
 
@@ -31,6 +33,9 @@ struct HeadlessPlatform {
     std::shared_ptr<MemoryKeyValueStore> store;
     std::shared_ptr<FakeNotificationCenter> notificationCenter;
     std::shared_ptr<DirectoryResourceBundle> resources;
+    std::shared_ptr<HeadlessDeviceFacts> deviceFacts;
+    /// The store: an empty sandbox catalog for the test to fill and script.
+    std::shared_ptr<platform::SandboxStore> sandboxStore;
 
     /// Builds the platform; the calling thread becomes its main thread. Not installed yet.
     static HeadlessPlatform create(Options options);

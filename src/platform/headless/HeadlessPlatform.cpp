@@ -2,13 +2,11 @@
 
 #include "platform/openssl/OpenSslCrypto.h"
 #include "platform/unsupported/UnsupportedApplication.h"
-#include "platform/unsupported/UnsupportedDeviceFacts.h"
 #include "platform/unsupported/UnsupportedHttpClient.h"
 #include "platform/unsupported/UnsupportedImageCodec.h"
 #include "platform/unsupported/UnsupportedImagePicker.h"
 #include "platform/unsupported/UnsupportedNotificationCenter.h"
 #include "platform/unsupported/UnsupportedPushClient.h"
-#include "platform/unsupported/UnsupportedStore.h"
 
 namespace ovix::testing {
 
@@ -19,6 +17,8 @@ HeadlessPlatform HeadlessPlatform::create(Options options) {
     h.store = std::make_shared<MemoryKeyValueStore>();
     h.notificationCenter = std::make_shared<FakeNotificationCenter>();
     h.resources = std::make_shared<DirectoryResourceBundle>(options.mainResources, options.codeResources);
+    h.deviceFacts = std::make_shared<HeadlessDeviceFacts>();
+    h.sandboxStore = std::make_shared<platform::SandboxStore>();
 
     h.platform = std::make_shared<platform::Platform>();
     auto& p = *h.platform;
@@ -30,8 +30,8 @@ HeadlessPlatform HeadlessPlatform::create(Options options) {
     p.resources = h.resources;
     p.http = std::make_shared<platform::UnsupportedHttpClient>();
     p.pushClient = std::make_shared<platform::UnsupportedPushClient>();
-    p.store = std::make_shared<platform::UnsupportedStore>();
-    p.deviceFacts = std::make_shared<platform::UnsupportedDeviceFacts>();
+    p.store = h.sandboxStore;
+    p.deviceFacts = h.deviceFacts;
     p.imagePicker = std::make_shared<platform::UnsupportedImagePicker>();
     p.imageCodec = std::make_shared<platform::UnsupportedImageCodec>();
     p.application = std::make_shared<platform::UnsupportedApplication>();

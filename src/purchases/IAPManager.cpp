@@ -1,0 +1,166 @@
+#include "purchases/IAPManager.h"
+
+#include <utility>
+#include <variant>
+
+#include "ovix/OvixCore.h"
+
+namespace ovix {
+
+namespace {
+
+Value transactionPayload(const platform::StoreTransaction& transaction) {
+    return Dictionary{{"productId", Value(transaction.productID)},
+                      {"transactionId", Value(transaction.id)},
+                      {"date", Value(transaction.purchaseDate)}};
+}
+
+std::shared_ptr<std::promise<void>> newPromise() {
+    return std::make_shared<std::promise<void>>();
+}
+
+}  // namespace
+
+IAPManager& IAPManager::shared() {
+    static IAPManager instance;
+    return instance;
+}
+
+std::vector<platform::StoreProduct> IAPManager::products() const {
+    std::lock_guard lock(mutex_);
+    return products_;
+}
+
+void IAPManager::raiseBillingError(const std::string& text) {
+    OvixCore::shared().raise(OvixEvents::BILLING_ERROR, Value(text));
+}
+
+std::future<void> IAPManager::fetchProducts(std::vector<std::string> productIds) {
+    auto platform = platform::current();
+    auto done = newPromise();
+    platform->store->products(productIds, [this, platform, done](platform::Store::ProductsResult result) {
+        fetched(*platform, std::move(result));
+        done->set_value();
+    });
+    return done->get_future();
+}
+
+void IAPManager::fetched(const platform::Platform& platform, platform::Store::ProductsResult result) {
+    if (auto* error = std::get_if<platform::StoreError>(&result)) {
+        platform.console->printLine("❌ Failed to fetch products: " + error->description);
+        raiseBillingError(error->localizedDescription);
+        return;
+    }
+    auto& fetched = std::get<std::vector<platform::StoreProduct>>(result);
+    Array payload;
+    payload.reserve(fetched.size());
+    for (const auto& product : fetched) {
+        payload.emplace_back(Dictionary{{"id", Value(product.id)}, {"price", Value(product.displayPrice)}});
+    }
+    {
+        std::lock_guard lock(mutex_);
+        products_ = std::move(fetched);
+    }
+    OvixCore::shared().raise(OvixEvents::BILLING_CONNECTED, Value(std::move(payload)));
+}
+
+std::future<void> IAPManager::purchase(std::string productId) {
+    auto done = newPromise();
+    auto future = done->get_future();
+    std::optional<platform::StoreProduct> product;
+    {
+        std::lock_guard lock(mutex_);
+        for (const auto& candidate : products_) {
+            if (candidate.id == productId) {
+                product = candidate;
+                break;
+            }
+        }
+    }
+    if (!product) {
+        raiseBillingError("Product not found");
+        done->set_value();
+        return future;
+    }
+    auto platform = platform::current();
+    platform->store->purchase(*product, [platform, done](platform::Store::PurchaseResult result) {
+        purchased(platform, std::move(result), done);
+    });
+    return future;
+}
+
+void IAPManager::purchased(const std::shared_ptr<platform::Platform>& platform,
+                           platform::Store::PurchaseResult result, const Done& done) {
+    using Kind = platform::PurchaseOutcome::Kind;
+    if (auto* error = std::get_if<platform::StoreError>(&result)) {
+        platform->console->printLine("❌ Purchase failed: " + error->localizedDescription);
+        raiseBillingError(error->localizedDescription);
+        done->set_value();
+        return;
+    }
+    const auto& outcome = std::get<platform::PurchaseOutcome>(result);
+    switch (outcome.kind) {
+        case Kind::Success: {
+            if (!outcome.verification) {
+                break;  // a store that breaks its contract: nothing to deliver
+            }
+            const auto& verification = *outcome.verification;
+            if (verification.verified()) {
+                handleVerifiedTransaction(platform, verification.transaction, false,
+                                          [done] { done->set_value(); });
+                return;
+            }
+            const auto& text = verification.verificationError->localizedDescription;
+            platform->console->printLine("⚠️ Unverified purchase: " + text);
+            raiseBillingError(text);
+            break;
+        }
+        case Kind::UserCancelled:
+            raiseBillingError("User canceled");
+            break;
+        case Kind::Pending:
+            raiseBillingError("Purchase pending");
+            break;
+        case Kind::Unknown:
+            break;
+    }
+    done->set_value();
+}
+
+std::future<void> IAPManager::restorePurchases() {
+    auto platform = platform::current();
+    auto done = newPromise();
+    restoreNext(platform, platform->store->currentEntitlements(), done);
+    return done->get_future();
+}
+
+void IAPManager::restoreNext(const std::shared_ptr<platform::Platform>& platform,
+                             const std::shared_ptr<platform::EntitlementSequence>& sequence,
+                             const Done& done) {
+    sequence->next([platform, sequence, done](std::optional<platform::VerificationResult> element) {
+        if (!element) {
+            done->set_value();
+            return;
+        }
+        if (element->verified()) {
+            handleVerifiedTransaction(platform, element->transaction, true,
+                                      [platform, sequence, done] { restoreNext(platform, sequence, done); });
+            return;
+        }
+        const auto& text = element->verificationError->localizedDescription;
+        platform->console->printLine("⚠️ Unverified restore: " + text);
+        raiseBillingError(text);
+        restoreNext(platform, sequence, done);
+    });
+}
+
+void IAPManager::handleVerifiedTransaction(const std::shared_ptr<platform::Platform>& platform,
+                                           const platform::StoreTransaction& transaction, bool isRestore,
+                                           std::function<void()> then) {
+    OvixCore::shared().raise(isRestore ? OvixEvents::PURCHASES_RESTORED : OvixEvents::PURCHASE_UPDATED,
+                             transactionPayload(transaction));
+    // Only after the listener had it: a crash in between means the store offers it again.
+    platform->store->finish(transaction, std::move(then));
+}
+
+}  // namespace ovix
