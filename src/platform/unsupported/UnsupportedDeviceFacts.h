@@ -6,7 +6,7 @@ namespace ovix::platform {
 
 /// A platform that knows nothing about its device: every fact is empty, the screen is zero-sized.
 class UnsupportedDeviceFacts : public DeviceFacts {
-public:
+  public:
     std::string vendorIdentifier() const override { return ""; }
     std::string deviceName() const override { return ""; }
     std::string model() const override { return ""; }
@@ -18,6 +18,7 @@ public:
     std::string timeZoneIdentifier() const override { return ""; }
     ScreenFacts screen() const override { return ScreenFacts{0, 0, 1}; }
     std::string primaryInterfaceName() const override { return ""; }
+    std::optional<std::vector<InterfaceAddress>> interfaceAddresses() const override { return std::nullopt; }
 };
 
 }  // namespace ovix::platform
