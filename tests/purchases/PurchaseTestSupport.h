@@ -1,0 +1,73 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <future>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/RecordingListener.h"
+#include "ovix/OvixCore.h"
+#include "ovix/testing/HeadlessPlatform.h"
+#include "purchases/IAPManager.h"
+
+namespace ovix::test {
+
+/// Records events and lets a test look at the world at the moment each one arrives.
+class ObservingListener : public RecordingListener {
+  public:
+    std::function<void(const std::string&, const Value&)> onEvent;
+
+    void onEventReceived(const std::string& event, const Value& data) override {
+        if (onEvent) {
+            onEvent(event, data);
+        }
+        RecordingListener::onEventReceived(event, data);
+    }
+};
+
+/// Waits for an operation whose completion arrives on the store's thread; the bound only guards
+/// against a hang.
+inline void await(std::future<void> future) {
+    ASSERT_EQ(future.wait_for(std::chrono::seconds(10)), std::future_status::ready);
+    future.get();
+}
+
+/// A fresh headless platform with its sandbox store, a listening game, and a purchase manager whose
+/// product list was emptied by the fixture's own fetch (the manager is a process singleton).
+class PurchaseFixture : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        headless_ = ovix::testing::HeadlessPlatform::create();
+        headless_.install();
+        OvixCore::shared().setListener(nullptr);
+        await(IAPManager::shared().fetchProducts({}));
+        listener_ = std::make_shared<ObservingListener>();
+        OvixCore::shared().setListener(listener_);
+    }
+    void TearDown() override { OvixCore::shared().setListener(nullptr); }
+
+    platform::SandboxStore& store() { return *headless_.sandboxStore; }
+    std::vector<std::string> consoleLines() const { return headless_.console->lines(); }
+
+    /// Fetches `products` into the manager, then forgets the events and lines that caused.
+    void loadProducts(std::vector<platform::StoreProduct> products) {
+        std::vector<std::string> ids;
+        for (const auto& product : products) {
+            ids.push_back(product.id);
+        }
+        store().setProducts(std::move(products));
+        await(IAPManager::shared().fetchProducts(ids));
+        listener_ = std::make_shared<ObservingListener>();
+        OvixCore::shared().setListener(listener_);
+        headless_.console->clear();
+    }
+
+    ovix::testing::HeadlessPlatform headless_;
+    std::shared_ptr<ObservingListener> listener_;
+};
+
+}  // namespace ovix::test
