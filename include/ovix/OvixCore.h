@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -52,6 +53,11 @@ public:
     /// decision. `callback` runs exactly once, always later on the main queue, with true when
     /// notifications are allowed (authorised or provisional).
     void requestNotificationPermission(std::function<void(bool)> callback);
+    /// The signed-in player's profile: the object under "Data" of the user-info response, or nil for
+    /// any failure (no token, transport, status outside 200-299, body, shape). Runs on the HTTP
+    /// client's callback thread, not the main queue; with no stored token, at once on the calling
+    /// thread, and nothing is sent.
+    void getUserInfo(std::function<void(std::optional<Dictionary>)> completion);
 
     /// Raises `event` through the one event mechanism: the listener, if set, gets it once, on the
     /// calling thread. Used by the SDK's own components; a game may raise its reserved events too.

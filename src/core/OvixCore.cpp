@@ -2,6 +2,7 @@
 
 #include <atomic>
 
+#include "api/APIService.h"
 #include "core/SessionManager.h"
 #include "ovix/platform/Platform.h"
 #include "push/FirebaseManager.h"
@@ -43,6 +44,10 @@ void OvixCore::initSdk(std::string_view clientId, std::string_view /*adjustToken
 void OvixCore::logout() {
     SessionManager::shared().clearToken();
     raise(OvixEvents::LOGOUT_SUCCESS);
+}
+
+void OvixCore::getUserInfo(std::function<void(std::optional<Dictionary>)> completion) {
+    APIService::getUserInfo(std::move(completion));
 }
 
 std::string OvixCore::getTokenApp() const { return SessionManager::readString(SessionManager::shared().tokenKey); }

@@ -1,14 +1,15 @@
 #include "ovix/platform/Platform.h"
 #include "ovix/platform/SandboxStore.h"
+#include "platform/curl/CurlHttpClient.h"
+#include "platform/jpeg/JpegImageCodec.h"
 #include "platform/posix/ExecutableResourceBundle.h"
+#include "platform/posix/PosixTimeZone.h"
 #include "platform/posix/StdoutConsole.h"
 #include "platform/posix/ThreadMainQueue.h"
 #include "platform/sqlite/SqliteKeyValueStore.h"
 #include "platform/openssl/OpenSslCrypto.h"
 #include "platform/unsupported/UnsupportedApplication.h"
 #include "platform/unsupported/UnsupportedDeviceFacts.h"
-#include "platform/unsupported/UnsupportedHttpClient.h"
-#include "platform/unsupported/UnsupportedImageCodec.h"
 #include "platform/unsupported/UnsupportedImagePicker.h"
 #include "platform/unsupported/UnsupportedNotificationCenter.h"
 #include "platform/unsupported/UnsupportedPushClient.h"
@@ -23,16 +24,17 @@ std::shared_ptr<Platform> makeDefault() {
     p->mainQueue = std::make_shared<ThreadMainQueue>();
     p->keyValueStore = std::make_shared<SqliteKeyValueStore>(SqliteKeyValueStore::defaultPath(), p->console);
     p->resources = std::make_shared<ExecutableResourceBundle>();
-    p->http = std::make_shared<UnsupportedHttpClient>();
+    p->http = std::make_shared<CurlHttpClient>();
     p->notificationCenter = std::make_shared<UnsupportedNotificationCenter>();
     p->pushClient = std::make_shared<UnsupportedPushClient>();
     // Linux has no platform store: the sandbox store, from the catalog file the developer named.
     p->store = SandboxStore::createConfigured(p->resources->mainBundle(), *p->console);
     p->deviceFacts = std::make_shared<UnsupportedDeviceFacts>();
     p->imagePicker = std::make_shared<UnsupportedImagePicker>();
-    p->imageCodec = std::make_shared<UnsupportedImageCodec>();
+    p->imageCodec = std::make_shared<JpegImageCodec>();
     p->application = std::make_shared<UnsupportedApplication>();
     p->crypto = std::make_shared<OpenSslCrypto>();
+    p->timeZone = std::make_shared<PosixTimeZone>();
     return p;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -12,10 +13,15 @@ using HttpHeaders = std::vector<std::pair<std::string, std::string>>;
 
 struct HttpRequest {
     std::string method = "GET";
-    std::string url;
-    HttpHeaders headers;  ///< sent in this order, exactly these (no defaults added beyond the protocol's)
-    std::string body;     ///< moved into the transport; never copied again
+    std::string url;  ///< absolute http or https URL; other schemes fail
+    /// Sent in this order, exactly these: the transport adds only what the protocol needs ("Host",
+    /// "Content-Length"). An empty value is sent as an empty header.
+    HttpHeaders headers;
+    std::string body;  ///< moved into the transport; never copied again
+    /// Whole exchange, connection included. A transport may be configured with a shorter ceiling.
     double timeoutSeconds = 60.0;
+    /// A response body larger than this fails the request instead of growing without bound.
+    std::size_t maxResponseBytes = std::size_t{32} << 20;
 };
 
 struct HttpResponse {
@@ -24,7 +30,7 @@ struct HttpResponse {
     std::string body;
 };
 
-/// Exactly one of `response` or `error` is set.
+/// Exactly one of `response` or `error` is set. Any status is a response; redirects are followed.
 struct HttpResult {
     std::optional<HttpResponse> response;
     std::optional<std::string> error;  ///< a readable description of the transport failure
@@ -37,7 +43,7 @@ struct HttpResult {
 /// holds a lock. Destroying the client cancels what is in flight; no completion runs after the
 /// destructor has returned. TLS certificates are always verified.
 class HttpClient {
-public:
+  public:
     using Completion = std::function<void(HttpResult)>;
     virtual ~HttpClient() = default;
     virtual void send(HttpRequest request, Completion completion) = 0;

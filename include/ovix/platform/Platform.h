@@ -18,6 +18,7 @@
 #include "ovix/platform/PushClient.h"
 #include "ovix/platform/ResourceBundle.h"
 #include "ovix/platform/Store.h"
+#include "ovix/platform/TimeZone.h"
 
 namespace ovix::platform {
 
@@ -43,6 +44,7 @@ struct Platform {
     std::shared_ptr<Application> application;
     std::shared_ptr<ResourceBundle> resources;
     std::shared_ptr<Crypto> crypto;
+    std::shared_ptr<TimeZone> timeZone;
 
     /// The SDK's resource bundle: "OvixSdkResources.bundle" inside the code bundle, or the code bundle
     /// itself when that is missing or cannot be opened. Computed once per platform, on first use.

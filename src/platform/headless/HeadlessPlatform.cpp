@@ -1,9 +1,10 @@
 #include "ovix/testing/HeadlessPlatform.h"
 
+#include "ovix/testing/FixedTimeZone.h"
+#include "platform/jpeg/JpegImageCodec.h"
 #include "platform/openssl/OpenSslCrypto.h"
 #include "platform/unsupported/UnsupportedApplication.h"
 #include "platform/unsupported/UnsupportedHttpClient.h"
-#include "platform/unsupported/UnsupportedImageCodec.h"
 #include "platform/unsupported/UnsupportedImagePicker.h"
 #include "platform/unsupported/UnsupportedNotificationCenter.h"
 #include "platform/unsupported/UnsupportedPushClient.h"
@@ -33,9 +34,10 @@ HeadlessPlatform HeadlessPlatform::create(Options options) {
     p.store = h.sandboxStore;
     p.deviceFacts = h.deviceFacts;
     p.imagePicker = std::make_shared<platform::UnsupportedImagePicker>();
-    p.imageCodec = std::make_shared<platform::UnsupportedImageCodec>();
+    p.imageCodec = std::make_shared<platform::JpegImageCodec>();
     p.application = std::make_shared<platform::UnsupportedApplication>();
     p.crypto = std::make_shared<platform::OpenSslCrypto>();
+    p.timeZone = std::make_shared<FixedTimeZone>();
     return h;
 }
 

@@ -1,0 +1,198 @@
+#include "api/APIService.h"
+
+#include <memory>
+
+#include "api/APIRequest.h"
+#include "ovix/platform/Platform.h"
+
+namespace ovix {
+
+namespace {
+
+using platform::HttpRequest;
+using platform::HttpResult;
+
+bool isContinuation(unsigned char c) {
+    return (c & 0xC0) == 0x80;
+}
+
+// Strict UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF.
+bool isUtf8(std::string_view text) {
+    const auto* s = reinterpret_cast<const unsigned char*>(text.data());
+    const std::size_t n = text.size();
+    std::size_t i = 0;
+    while (i < n) {
+        const unsigned char c = s[i];
+        if (c < 0x80) {
+            ++i;
+            continue;
+        }
+        std::size_t length = 0;
+        unsigned char low = 0x80;
+        unsigned char high = 0xBF;
+        if (c >= 0xC2 && c <= 0xDF) {
+            length = 2;
+        } else if (c >= 0xE0 && c <= 0xEF) {
+            length = 3;
+            low = c == 0xE0 ? 0xA0 : 0x80;
+            high = c == 0xED ? 0x9F : 0xBF;
+        } else if (c >= 0xF0 && c <= 0xF4) {
+            length = 4;
+            low = c == 0xF0 ? 0x90 : 0x80;
+            high = c == 0xF4 ? 0x8F : 0xBF;
+        } else {
+            return false;
+        }
+        if (n - i < length || s[i + 1] < low || s[i + 1] > high) {
+            return false;
+        }
+        for (std::size_t k = 2; k < length; ++k) {
+            if (!isContinuation(s[i + k])) {
+                return false;
+            }
+        }
+        i += length;
+    }
+    return true;
+}
+
+bool isSuccess(long status) {
+    return status >= 200 && status <= 299;
+}
+
+// The object under "Data" of a parsed envelope.
+std::optional<Dictionary> dataObject(const std::optional<Dictionary>& envelope) {
+    if (!envelope) {
+        return std::nullopt;
+    }
+    auto data = envelope->find("Data");
+    if (data == envelope->end() || data->second.asObject() == nullptr) {
+        return std::nullopt;
+    }
+    return *data->second.asObject();
+}
+
+std::optional<std::vector<Dictionary>> dataItems(const std::optional<Dictionary>& envelope) {
+    if (!envelope) {
+        return std::nullopt;
+    }
+    auto data = envelope->find("Data");
+    if (data == envelope->end() || data->second.asArray() == nullptr) {
+        return std::nullopt;
+    }
+    std::vector<Dictionary> items;
+    items.reserve(data->second.asArray()->size());
+    for (const auto& element : *data->second.asArray()) {
+        if (element.asObject() == nullptr) {
+            return std::nullopt;
+        }
+        items.push_back(*element.asObject());
+    }
+    return items;
+}
+
+}  // namespace
+
+void APIService::sendAndParse(HttpRequest request, DictionaryCompletion completion) {
+    auto p = platform::current();
+    request.maxResponseBytes = maxResponseBytes;
+    p->http->send(std::move(request),
+                  [console = p->console, completion = std::move(completion)](HttpResult result) {
+                      if (!result.response) {
+                          completion(std::nullopt);
+                          return;
+                      }
+                      const auto& response = *result.response;
+                      if (isUtf8(response.body)) {
+                          console->printLine(response.body);
+                      }
+                      if (!isSuccess(response.status)) {
+                          console->printLine("❌ HTTP error: " + std::to_string(response.status));
+                          completion(std::nullopt);
+                          return;
+                      }
+                      auto json = Value::fromJson(response.body);
+                      if (!json || json->asObject() == nullptr) {
+                          completion(std::nullopt);
+                          return;
+                      }
+                      completion(std::move(*json->asObject()));
+                  });
+}
+
+void APIService::getUserInfo(DictionaryCompletion completion) {
+    auto request = APIRequest::userInfo();
+    if (!request) {
+        completion(std::nullopt);
+        return;
+    }
+    sendAndParse(std::move(*request),
+                 [completion = std::move(completion)](std::optional<Dictionary> envelope) {
+                     completion(dataObject(envelope));
+                 });
+}
+
+void APIService::loadNews(ItemsCompletion completion) {
+    auto request = APIRequest::newsFeed();
+    if (!request) {
+        completion(std::nullopt);
+        return;
+    }
+    sendAndParse(std::move(*request),
+                 [completion = std::move(completion)](std::optional<Dictionary> envelope) {
+                     completion(dataItems(envelope));
+                 });
+}
+
+std::future<std::optional<UserEligibilityResponse>> APIService::checkEligibility(
+    const std::string& productId) {
+    using Promise = std::promise<std::optional<UserEligibilityResponse>>;
+    auto promise = std::make_shared<Promise>();
+    auto future = promise->get_future();
+    auto p = platform::current();
+    auto fail = [console = p->console, promise](const std::string& description) {
+        console->printLine("❌ API error: " + description);
+        promise->set_value(std::nullopt);
+    };
+
+    auto request = APIRequest::eligibility(productId);
+    if (!request) {
+        fail("bad URL: the product id \"" + productId + "\" does not make a valid URL");
+        return future;
+    }
+    request->maxResponseBytes = maxResponseBytes;
+    p->http->send(std::move(*request), [promise, fail](HttpResult result) {
+        if (!result.response) {
+            fail(result.error.value_or("the request failed"));
+            return;
+        }
+        const auto& response = *result.response;
+        if (!isSuccess(response.status)) {
+            fail("the server answered with HTTP status " + std::to_string(response.status));
+            return;
+        }
+        auto json = Value::fromJson(response.body);
+        if (!json) {
+            fail("the response is not valid JSON");
+            return;
+        }
+        auto decoded = UserEligibilityResponse::decode(*json);
+        if (!decoded) {
+            fail("the response has no boolean \"eligible\"");
+            return;
+        }
+        promise->set_value(decoded);
+    });
+    return future;
+}
+
+void APIService::uploadImage(const platform::RgbaImage& picture, DictionaryCompletion completion) {
+    auto request = APIRequest::imageUpload(picture);
+    if (!request) {
+        completion(std::nullopt);
+        return;
+    }
+    sendAndParse(std::move(*request), std::move(completion));
+}
+
+}  // namespace ovix

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "ovix/platform/HttpClient.h"
+
+namespace ovix::platform {
+
+/// HTTP on libcurl: one multi handle driven by one worker thread that the client owns.
+///
+/// Connections (and TLS sessions) are kept and reused across requests; HTTP/2 is used where the
+/// server offers it over TLS. Certificates and host names are always verified. Completions run on
+/// the worker thread, one at a time, holding no lock; a completion may send again, and may even drop
+/// the last reference to the client.
+///
+/// Destruction cancels whatever is queued or in flight without calling its completion (the callable
+/// is destroyed unrun) and waits for a completion that is running on the worker at that moment, so
+/// that none runs after the destructor has returned.
+class CurlHttpClient : public HttpClient {
+  public:
+    struct Options {
+        /// PEM file of the certification authorities to trust instead of the system's; empty for the
+        /// system's store. Verification itself cannot be turned off.
+        std::string caBundlePath;
+        /// When positive, no request waits longer than this many seconds, whatever it asks for
+        /// (for tests of stalled servers).
+        double timeoutCeilingSeconds = 0;
+    };
+
+    CurlHttpClient();
+    explicit CurlHttpClient(Options options);
+    ~CurlHttpClient() override;
+
+    CurlHttpClient(const CurlHttpClient&) = delete;
+    CurlHttpClient& operator=(const CurlHttpClient&) = delete;
+
+    void send(HttpRequest request, Completion completion) override;
+
+  private:
+    // The worker's state, shared with the worker thread so that it outlives a destructor that runs
+    // on the worker itself.
+    struct Engine;
+    std::shared_ptr<Engine> engine_;
+    std::thread worker_;
+};
+
+}  // namespace ovix::platform
