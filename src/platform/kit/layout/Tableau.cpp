@@ -1,0 +1,373 @@
+#include "platform/kit/layout/Tableau.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace ovix::kit::layout {
+
+namespace {
+
+// Tolerance for signs of constants, coefficients and ratios that went through pivots.
+constexpr double kEps = 1e-8;
+
+// Lexicographic sign of an objective coefficient spread over the three strength levels.
+bool lexNegative(const std::array<double, 3>& c) {
+    for (double v : c) {
+        if (v < -kEps) {
+            return true;
+        }
+        if (v > kEps) {
+            return false;
+        }
+    }
+    return false;
+}
+
+bool lexLess(const std::array<double, 3>& a, const std::array<double, 3>& b) {
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        double tolerance = kEps * (1 + std::fabs(b[i]));
+        if (a[i] < b[i] - tolerance) {
+            return true;
+        }
+        if (a[i] > b[i] + tolerance) {
+            return false;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+Symbol Tableau::newSymbol(SymbolKind kind) {
+    Symbol symbol;
+    if (!released_.empty()) {
+        symbol = released_.back();
+        released_.pop_back();
+        symbols_[symbol] = SymbolInfo{};
+    } else {
+        symbol = static_cast<Symbol>(symbols_.size());
+        symbols_.emplace_back();
+    }
+    symbols_[symbol].kind = kind;
+    return symbol;
+}
+
+void Tableau::releaseSymbol(Symbol symbol) {
+    if (isBasic(symbol)) {
+        takeRow(symbol);
+    }
+    eraseEverywhere(symbol);
+    symbols_[symbol] = SymbolInfo{};
+    released_.push_back(symbol);
+}
+
+void Tableau::clear() {
+    *this = Tableau();
+}
+
+const std::vector<Symbol>& Tableau::column(Symbol symbol) {
+    std::vector<Symbol>& col = symbols_[symbol].column;
+    std::sort(col.begin(), col.end());
+    col.erase(std::unique(col.begin(), col.end()), col.end());
+    std::erase_if(col, [&](Symbol b) { return !symbols_[b].basic || !symbols_[b].row.contains(symbol); });
+    symbols_[symbol].cleanColumnSize = col.size();
+    return col;
+}
+
+void Tableau::noteDependents(Symbol basic, const std::vector<Symbol>& symbols) {
+    for (Symbol s : symbols) {
+        SymbolInfo& info = symbols_[s];
+        info.column.push_back(basic);
+        if (info.column.size() > 2 * info.cleanColumnSize + 32) {
+            column(s);
+        }
+    }
+}
+
+void Tableau::checkRow(Symbol basic) {
+    const SymbolInfo& info = symbols_[basic];
+    double k = info.row.constant();
+    if (info.kind == SymbolKind::Dummy) {
+        if (std::fabs(k) > kEps) {
+            pinnedBroken_ = true;
+        }
+    } else if (info.kind != SymbolKind::External && k < -kEps) {
+        infeasible_.insert(basic);
+    }
+}
+
+void Tableau::substituteEverywhere(Symbol symbol, const Row& replacement) {
+    std::vector<Symbol> dependents = column(symbol);
+    for (Symbol b : dependents) {
+        scratch_.clear();
+        if (symbols_[b].row.substitute(symbol, replacement, &scratch_)) {
+            noteDependents(b, scratch_);
+            checkRow(b);
+        }
+    }
+    for (Row& level : objective_) {
+        level.substitute(symbol, replacement);
+    }
+    if (artificial_) {
+        artificial_->substitute(symbol, replacement);
+    }
+    symbols_[symbol].column.clear();
+    symbols_[symbol].cleanColumnSize = 0;
+}
+
+void Tableau::eraseEverywhere(Symbol symbol) {
+    std::vector<Symbol> dependents = column(symbol);
+    for (Symbol b : dependents) {
+        symbols_[b].row.erase(symbol);
+    }
+    for (Row& level : objective_) {
+        level.erase(symbol);
+    }
+    if (artificial_) {
+        artificial_->erase(symbol);
+    }
+    symbols_[symbol].column.clear();
+    symbols_[symbol].cleanColumnSize = 0;
+}
+
+void Tableau::addRow(Symbol subject, Row row) {
+    substituteEverywhere(subject, row);
+    SymbolInfo& info = symbols_[subject];
+    info.basic = true;
+    info.row = std::move(row);
+    std::vector<Symbol> dependsOn;
+    dependsOn.reserve(info.row.cells().size());
+    for (const Row::Cell& cell : info.row.cells()) {
+        dependsOn.push_back(cell.symbol);
+    }
+    noteDependents(subject, dependsOn);
+    checkRow(subject);
+}
+
+Row Tableau::takeRow(Symbol basic) {
+    SymbolInfo& info = symbols_[basic];
+    info.basic = false;
+    Row row = std::move(info.row);
+    info.row = Row();
+    infeasible_.erase(basic);
+    return row;
+}
+
+void Tableau::pivot(Symbol entering, Symbol leaving) {
+    Row row = takeRow(leaving);
+    row.solveFor(leaving, entering);
+    addRow(entering, std::move(row));
+}
+
+void Tableau::addToObjective(Symbol symbol, const strength::Levels& weights, double sign) {
+    const double w[3] = {weights.strong, weights.medium, weights.weak};
+    for (std::size_t i = 0; i < objective_.size(); ++i) {
+        if (w[i] == 0) {
+            continue;
+        }
+        if (isBasic(symbol)) {
+            objective_[i].insert(row(symbol), sign * w[i]);
+        } else {
+            objective_[i].insert(symbol, sign * w[i]);
+        }
+    }
+}
+
+std::size_t Tableau::pivotBudget() const {
+    return 1000 + 50 * symbols_.size();
+}
+
+Symbol Tableau::enteringFor(bool artificial) const {
+    auto pivotable = [&](Symbol s) {
+        SymbolKind k = kind(s);
+        return k == SymbolKind::Slack || k == SymbolKind::Error;
+    };
+    if (artificial) {
+        for (const Row::Cell& cell : artificial_->cells()) {
+            if (cell.coefficient < -kEps && pivotable(cell.symbol)) {
+                return cell.symbol;
+            }
+        }
+        return noSymbol;
+    }
+    // Lowest-id symbol whose lexicographic cost is negative (Bland's rule: no cycling).
+    std::array<std::size_t, 3> at{0, 0, 0};
+    for (;;) {
+        Symbol s = noSymbol;
+        for (std::size_t i = 0; i < 3; ++i) {
+            if (at[i] < objective_[i].cells().size()) {
+                s = std::min(s, objective_[i].cells()[at[i]].symbol);
+            }
+        }
+        if (s == noSymbol) {
+            return noSymbol;
+        }
+        std::array<double, 3> cost{0, 0, 0};
+        for (std::size_t i = 0; i < 3; ++i) {
+            const auto& cells = objective_[i].cells();
+            if (at[i] < cells.size() && cells[at[i]].symbol == s) {
+                cost[i] = cells[at[i]++].coefficient;
+            }
+        }
+        if (pivotable(s) && lexNegative(cost)) {
+            return s;
+        }
+    }
+}
+
+Symbol Tableau::leavingFor(Symbol entering) {
+    Symbol best = noSymbol;
+    double bestRatio = std::numeric_limits<double>::infinity();
+    for (Symbol b : column(entering)) {
+        if (kind(b) == SymbolKind::External) {
+            continue;
+        }
+        double a = row(b).coefficient(entering);
+        if (a >= -kEps) {
+            continue;
+        }
+        double ratio = std::max(row(b).constant(), 0.0) / -a;
+        if (ratio < bestRatio) {  // ids ascend: an exact tie keeps the lower one
+            bestRatio = ratio;
+            best = b;
+        }
+    }
+    return best;
+}
+
+bool Tableau::optimizeAgainst(bool artificial) {
+    const std::size_t budget = pivotBudget();
+    for (std::size_t step = 0;; ++step) {
+        Symbol entering = enteringFor(artificial);
+        if (entering == noSymbol) {
+            return true;
+        }
+        Symbol leaving = step < budget ? leavingFor(entering) : noSymbol;
+        if (leaving == noSymbol) {
+            return false;
+        }
+        pivot(entering, leaving);
+    }
+}
+
+bool Tableau::optimize() {
+    return optimizeAgainst(false);
+}
+
+bool Tableau::addRowThroughArtificial(const Row& row) {
+    Symbol art = newSymbol(SymbolKind::Slack);
+    artificial_ = row;
+    addRow(art, row);
+    bool reachedZero =
+        optimizeAgainst(true) && std::fabs(artificial_->constant()) <= kEps * std::max(1.0, row.constant());
+    artificial_.reset();
+    if (!reachedZero) {
+        return false;
+    }
+    if (isBasic(art)) {
+        const Row& artRow = this->row(art);
+        if (!artRow.empty()) {
+            // A degenerate pivot (the row's value is 0): prefer a symbol that may move.
+            Symbol entering = artRow.cells().front().symbol;
+            for (const Row::Cell& cell : artRow.cells()) {
+                if (kind(cell.symbol) != SymbolKind::Dummy) {
+                    entering = cell.symbol;
+                    break;
+                }
+            }
+            pivot(entering, art);
+        }
+    }
+    releaseSymbol(art);
+    return true;
+}
+
+bool Tableau::shift(Symbol symbol, double delta) {
+    pinnedBroken_ = false;
+    if (isBasic(symbol)) {
+        symbols_[symbol].row.addToConstant(-delta);
+        checkRow(symbol);
+        return !pinnedBroken_;
+    }
+    for (Symbol b : column(symbol)) {
+        Row& r = symbols_[b].row;
+        r.addToConstant(r.coefficient(symbol) * delta);
+        checkRow(b);
+    }
+    for (Row& level : objective_) {
+        level.addToConstant(level.coefficient(symbol) * delta);
+    }
+    return !pinnedBroken_;
+}
+
+bool Tableau::dualOptimize() {
+    const std::size_t budget = pivotBudget();
+    std::size_t steps = 0;
+    while (!infeasible_.empty()) {
+        Symbol leaving = *infeasible_.begin();
+        if (!isBasic(leaving) || row(leaving).constant() >= -kEps) {
+            infeasible_.erase(infeasible_.begin());
+            continue;
+        }
+        if (kind(leaving) == SymbolKind::Dummy || steps++ >= budget) {
+            return false;
+        }
+        Symbol entering = noSymbol;
+        std::array<double, 3> best{};
+        for (const Row::Cell& cell : row(leaving).cells()) {
+            SymbolKind k = kind(cell.symbol);
+            if (cell.coefficient <= kEps || (k != SymbolKind::Slack && k != SymbolKind::Error)) {
+                continue;
+            }
+            std::array<double, 3> ratio{};
+            for (std::size_t i = 0; i < 3; ++i) {
+                ratio[i] = objective_[i].coefficient(cell.symbol) / cell.coefficient;
+            }
+            if (entering == noSymbol || lexLess(ratio, best)) {
+                entering = cell.symbol;
+                best = ratio;
+            }
+        }
+        if (entering == noSymbol) {
+            return false;
+        }
+        infeasible_.erase(infeasible_.begin());
+        pivot(entering, leaving);
+    }
+    return true;
+}
+
+Symbol Tableau::leavingRowForMarker(Symbol marker) {
+    // Prefer a restricted row that the marker lowers (smallest ratio), then one it raises, and only
+    // then an external row: the remaining rows stay feasible and restricted rows stay restricted.
+    Symbol lowers = noSymbol;
+    Symbol raises = noSymbol;
+    Symbol external = noSymbol;
+    double lowersRatio = std::numeric_limits<double>::infinity();
+    double raisesRatio = lowersRatio;
+    for (Symbol b : column(marker)) {
+        double a = row(b).coefficient(marker);
+        double k = row(b).constant();
+        if (kind(b) == SymbolKind::External) {
+            if (external == noSymbol) {
+                external = b;
+            }
+        } else if (a < 0) {
+            if (-k / a < lowersRatio) {
+                lowersRatio = -k / a;
+                lowers = b;
+            }
+        } else if (k / a < raisesRatio) {
+            raisesRatio = k / a;
+            raises = b;
+        }
+    }
+    if (lowers != noSymbol) {
+        return lowers;
+    }
+    return raises != noSymbol ? raises : external;
+}
+
+}  // namespace ovix::kit::layout
