@@ -7,12 +7,12 @@
 #include "platform/posix/StdoutConsole.h"
 #include "platform/posix/ThreadMainQueue.h"
 #include "platform/sqlite/SqliteKeyValueStore.h"
+#include "platform/linux/LinuxDeviceFacts.h"
+#include "platform/linux/LinuxPushClient.h"
 #include "platform/openssl/OpenSslCrypto.h"
 #include "platform/unsupported/UnsupportedApplication.h"
-#include "platform/unsupported/UnsupportedDeviceFacts.h"
 #include "platform/unsupported/UnsupportedImagePicker.h"
 #include "platform/unsupported/UnsupportedNotificationCenter.h"
-#include "platform/unsupported/UnsupportedPushClient.h"
 
 namespace ovix::platform {
 
@@ -26,10 +26,10 @@ std::shared_ptr<Platform> makeDefault() {
     p->resources = std::make_shared<ExecutableResourceBundle>();
     p->http = std::make_shared<CurlHttpClient>();
     p->notificationCenter = std::make_shared<UnsupportedNotificationCenter>();
-    p->pushClient = std::make_shared<UnsupportedPushClient>();
+    p->pushClient = std::make_shared<LinuxPushClient>();
     // Linux has no platform store: the sandbox store, from the catalog file the developer named.
     p->store = SandboxStore::createConfigured(p->resources->mainBundle(), *p->console);
-    p->deviceFacts = std::make_shared<UnsupportedDeviceFacts>();
+    p->deviceFacts = std::make_shared<LinuxDeviceFacts>(std::make_shared<OpenSslCrypto>());
     p->imagePicker = std::make_shared<UnsupportedImagePicker>();
     p->imageCodec = std::make_shared<JpegImageCodec>();
     p->application = std::make_shared<UnsupportedApplication>();

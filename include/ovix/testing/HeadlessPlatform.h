@@ -8,6 +8,7 @@
 #include "ovix/testing/CapturingConsole.h"
 #include "ovix/testing/DirectoryResourceBundle.h"
 #include "ovix/testing/FakeNotificationCenter.h"
+#include "ovix/testing/FakePushClient.h"
 #include "ovix/testing/HeadlessDeviceFacts.h"
 #include "ovix/testing/MemoryKeyValueStore.h"
 #include "ovix/testing/VirtualMainQueue.h"
@@ -34,6 +35,7 @@ struct HeadlessPlatform {
     std::shared_ptr<FakeNotificationCenter> notificationCenter;
     std::shared_ptr<DirectoryResourceBundle> resources;
     std::shared_ptr<HeadlessDeviceFacts> deviceFacts;
+    std::shared_ptr<FakePushClient> pushClient;
     /// The store: an empty sandbox catalog for the test to fill and script.
     std::shared_ptr<platform::SandboxStore> sandboxStore;
 

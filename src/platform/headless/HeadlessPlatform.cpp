@@ -7,7 +7,6 @@
 #include "platform/unsupported/UnsupportedHttpClient.h"
 #include "platform/unsupported/UnsupportedImagePicker.h"
 #include "platform/unsupported/UnsupportedNotificationCenter.h"
-#include "platform/unsupported/UnsupportedPushClient.h"
 
 namespace ovix::testing {
 
@@ -19,6 +18,7 @@ HeadlessPlatform HeadlessPlatform::create(Options options) {
     h.notificationCenter = std::make_shared<FakeNotificationCenter>();
     h.resources = std::make_shared<DirectoryResourceBundle>(options.mainResources, options.codeResources);
     h.deviceFacts = std::make_shared<HeadlessDeviceFacts>();
+    h.pushClient = std::make_shared<FakePushClient>();
     h.sandboxStore = std::make_shared<platform::SandboxStore>();
 
     h.platform = std::make_shared<platform::Platform>();
@@ -30,7 +30,7 @@ HeadlessPlatform HeadlessPlatform::create(Options options) {
     p.notificationCenter = h.notificationCenter;
     p.resources = h.resources;
     p.http = std::make_shared<platform::UnsupportedHttpClient>();
-    p.pushClient = std::make_shared<platform::UnsupportedPushClient>();
+    p.pushClient = h.pushClient;
     p.store = h.sandboxStore;
     p.deviceFacts = h.deviceFacts;
     p.imagePicker = std::make_shared<platform::UnsupportedImagePicker>();
