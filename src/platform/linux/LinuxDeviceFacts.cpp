@@ -175,9 +175,13 @@ std::optional<std::string> LinuxDeviceFacts::osRelease(const std::string& key) c
 
 std::string LinuxDeviceFacts::vendorIdentifier() const {
     auto id = readFile("etc/machine-id");
-    const std::string machineId = id ? firstLine(*id) : "";
+    std::string machineId = id ? firstLine(*id) : "";
     if (!isMachineId(machineId) || !crypto_) {
         return "";
+    }
+    // The same machine id in either case is the same machine.
+    for (char& c : machineId) {
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     }
     std::string digest = crypto_->hmacSha256(kVendorKey, machineId);
     if (digest.size() < 16) {
