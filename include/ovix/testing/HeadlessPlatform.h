@@ -9,6 +9,7 @@
 #include "ovix/testing/DirectoryResourceBundle.h"
 #include "ovix/testing/FakeNotificationCenter.h"
 #include "ovix/testing/FakePushClient.h"
+#include "ovix/testing/HeadlessApplication.h"
 #include "ovix/testing/HeadlessDeviceFacts.h"
 #include "ovix/testing/MemoryKeyValueStore.h"
 #include "ovix/testing/VirtualMainQueue.h"
@@ -26,6 +27,8 @@ struct HeadlessPlatform {
         std::filesystem::path mainResources = ".";
         std::filesystem::path codeResources = ".";
         bool echoConsole = false;
+        /// Main screen size, safe areas, windows and openable URL schemes.
+        HeadlessApplication::Options application;
     };
 
     std::shared_ptr<platform::Platform> platform;
@@ -36,6 +39,8 @@ struct HeadlessPlatform {
     std::shared_ptr<DirectoryResourceBundle> resources;
     std::shared_ptr<HeadlessDeviceFacts> deviceFacts;
     std::shared_ptr<FakePushClient> pushClient;
+    /// Scenes, windows (one key window by default) and the main screen; rotates on request.
+    std::shared_ptr<HeadlessApplication> application;
     /// The store: an empty sandbox catalog for the test to fill and script.
     std::shared_ptr<platform::SandboxStore> sandboxStore;
 

@@ -3,7 +3,6 @@
 #include "ovix/testing/FixedTimeZone.h"
 #include "platform/jpeg/JpegImageCodec.h"
 #include "platform/openssl/OpenSslCrypto.h"
-#include "platform/unsupported/UnsupportedApplication.h"
 #include "platform/unsupported/UnsupportedHttpClient.h"
 #include "platform/unsupported/UnsupportedImagePicker.h"
 #include "platform/unsupported/UnsupportedNotificationCenter.h"
@@ -19,6 +18,7 @@ HeadlessPlatform HeadlessPlatform::create(Options options) {
     h.resources = std::make_shared<DirectoryResourceBundle>(options.mainResources, options.codeResources);
     h.deviceFacts = std::make_shared<HeadlessDeviceFacts>();
     h.pushClient = std::make_shared<FakePushClient>();
+    h.application = HeadlessApplication::create(options.application);
     h.sandboxStore = std::make_shared<platform::SandboxStore>();
 
     h.platform = std::make_shared<platform::Platform>();
@@ -35,7 +35,7 @@ HeadlessPlatform HeadlessPlatform::create(Options options) {
     p.deviceFacts = h.deviceFacts;
     p.imagePicker = std::make_shared<platform::UnsupportedImagePicker>();
     p.imageCodec = std::make_shared<platform::JpegImageCodec>();
-    p.application = std::make_shared<platform::UnsupportedApplication>();
+    p.application = h.application;
     p.crypto = std::make_shared<platform::OpenSslCrypto>();
     p.timeZone = std::make_shared<FixedTimeZone>();
     return h;

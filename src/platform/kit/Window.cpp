@@ -1,0 +1,284 @@
+#include "ovix/kit/Window.h"
+
+#include <algorithm>
+
+#include "ovix/kit/Control.h"
+#include "ovix/kit/GestureRecognizer.h"
+#include "ovix/kit/Screen.h"
+#include "ovix/kit/TapGestureRecognizer.h"
+#include "ovix/kit/ViewController.h"
+#include "ovix/kit/WindowScene.h"
+#include "ovix/platform/Platform.h"
+#include "platform/kit/LayoutEngine.h"
+
+namespace ovix::kit {
+
+namespace {
+
+/// Every live window, for "only one key window in the process".
+std::vector<std::weak_ptr<Window>>& liveWindows() {
+    static std::vector<std::weak_ptr<Window>> windows;
+    return windows;
+}
+
+void track(const std::shared_ptr<Window>& window) {
+    auto& all = liveWindows();
+    std::erase_if(all, [](const std::weak_ptr<Window>& w) { return w.expired(); });
+    all.push_back(window);
+}
+
+/// A tap recognizer above a control leaves the tap to the control, as controls take precedence over
+/// their ancestors' taps.
+bool controlBetween(const View& hit, const View& recognizerView) {
+    for (const View* v = &hit; v && v != &recognizerView; v = v->superview().get()) {
+        if (dynamic_cast<const Control*>(v)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+std::shared_ptr<Window> Window::create(const std::shared_ptr<WindowScene>& scene) {
+    Rect frame = scene && scene->screen() ? scene->screen()->bounds() : Rect{};
+    auto window = std::make_shared<Window>(frame);
+    if (scene) {
+        window->scene_ = scene;
+        scene->windows_.push_back(window);
+    }
+    track(window);
+    return window;
+}
+
+std::shared_ptr<Window> Window::create(Rect frame) {
+    auto window = std::make_shared<Window>(frame);
+    track(window);
+    return window;
+}
+
+Window::Window(Rect frame) : View(frame) {
+    hidden_ = true;
+}  // shown by makeKeyAndVisible
+
+Window::~Window() = default;
+
+void Window::setRootViewController(std::shared_ptr<ViewController> controller) {
+    if (controller == rootViewController_) {
+        return;
+    }
+    auto old = rootViewController_;
+    std::shared_ptr<View> oldView = old ? old->viewIfLoaded() : nullptr;
+    if (old) {
+        old->dismissAllPresentedImmediately();
+    }
+    rootViewController_ = controller;
+    if (controller) {
+        auto view = controller->view();
+        std::size_t index = 0;
+        if (oldView && oldView->superview().get() == this) {
+            auto& subs = subviews();
+            index = static_cast<std::size_t>(std::find(subs.begin(), subs.end(), oldView) - subs.begin());
+        }
+        controller->viewWillAppear(false);
+        view->setFrame(bounds());
+        view->setAutoresizingMask(AutoresizingMask::flexibleWidth | AutoresizingMask::flexibleHeight);
+        insertSubview(view, index);
+        controller->viewDidAppear(false);
+    }
+    if (oldView && oldView->superview().get() == this) {
+        oldView->removeFromSuperview();
+    }
+}
+
+void Window::makeKey() {
+    for (auto& weak : liveWindows()) {
+        if (auto w = weak.lock(); w && w.get() != this) {
+            w->key_ = false;
+        }
+    }
+    key_ = true;
+}
+
+void Window::makeKeyAndVisible() {
+    makeKey();
+    setHidden(false);
+}
+
+void Window::setWindowSafeAreaInsets(EdgeInsets insets) {
+    if (insets != safeArea_) {
+        safeArea_ = insets;
+        LayoutEngine::noteChange();
+        setNeedsLayout();
+    }
+}
+
+bool Window::setFirstResponder(std::shared_ptr<View> responder) {
+    firstResponder_ = responder;
+    return true;
+}
+
+void Window::scheduleLayout() {
+    if (layoutScheduled_ || LayoutEngine::isLayingOut()) {
+        return;
+    }
+    layoutScheduled_ = true;
+    std::weak_ptr<Window> weak = self<Window>();
+    platform::current()->mainQueue->async([weak] {
+        if (auto window = weak.lock()) {
+            window->layoutScheduled_ = false;
+            window->layoutIfNeeded();
+        }
+    });
+}
+
+// --- Input ---
+
+void Window::touchDown(Point location) {
+    if (active_) {
+        touchCancel();
+    }
+    auto hit = hitTest(location);
+    if (!hit) {
+        return;
+    }
+    auto touch = std::make_unique<ActiveTouch>();
+    touch->touch.windowLocation = location;
+    touch->touch.startLocation = location;
+    touch->touch.phase = TouchPhase::began;
+    touch->touch.view = hit;
+    touch->touch.window = self<Window>();
+    touch->view = hit;
+    for (auto v = hit; v; v = v->superview()) {
+        for (auto& r : v->gestureRecognizers()) {
+            bool tapAboveControl = dynamic_cast<TapGestureRecognizer*>(r.get()) && controlBetween(*hit, *v);
+            if (r->isEnabled() && !tapAboveControl) {
+                touch->recognizers.push_back(r);
+            }
+        }
+    }
+    active_ = std::move(touch);
+    auto keep = self<Window>();
+    for (auto& r : active_->recognizers) {
+        r->reset();
+        r->touchBegan(active_->touch);
+    }
+    hit->touchesBegan(active_->touch);
+}
+
+void Window::touchMove(Point location) {
+    if (!active_) {
+        return;
+    }
+    auto keep = self<Window>();
+    auto& a = *active_;
+    a.touch.windowLocation = location;
+    a.touch.phase = TouchPhase::moved;
+    bool viewHadIt = !a.winner || !a.winner->cancelsTouchesInView();
+    if (a.winner) {
+        a.winner->touchMoved(a.touch);
+    } else {
+        for (auto& r : a.recognizers) {
+            if (r->state() == GestureRecognizerState::failed) {
+                continue;
+            }
+            r->touchMoved(a.touch);
+            if (r->hasRecognized()) {
+                a.winner = r;
+                for (auto& other : a.recognizers) {
+                    if (other != r) {
+                        other->fail();
+                    }
+                }
+                if (r->cancelsTouchesInView()) {
+                    a.view->touchesCancelled(a.touch);
+                }
+                break;
+            }
+        }
+    }
+    if (!active_) {
+        return;  // an action ended the touch
+    }
+    if (viewHadIt && (!a.winner || !a.winner->cancelsTouchesInView())) {
+        a.view->touchesMoved(a.touch);
+    }
+}
+
+void Window::touchUp(Point location) {
+    if (!active_) {
+        return;
+    }
+    auto keep = self<Window>();
+    auto touch = std::move(active_);
+    auto& a = *touch;
+    a.touch.windowLocation = location;
+    a.touch.phase = TouchPhase::ended;
+    bool viewHadIt = !a.winner || !a.winner->cancelsTouchesInView();
+    if (a.winner) {
+        a.winner->touchEnded(a.touch);
+    } else {
+        for (auto& r : a.recognizers) {
+            if (r->state() == GestureRecognizerState::failed) {
+                continue;
+            }
+            r->touchEnded(a.touch);
+            if (r->hasRecognized()) {
+                a.winner = r;
+                break;
+            }
+        }
+    }
+    if (viewHadIt) {
+        if (a.winner && a.winner->cancelsTouchesInView()) {
+            a.view->touchesCancelled(a.touch);
+        } else {
+            a.view->touchesEnded(a.touch);
+        }
+    }
+    for (auto& r : a.recognizers) {
+        r->reset();
+    }
+}
+
+void Window::touchCancel() {
+    if (!active_) {
+        return;
+    }
+    auto touch = std::move(active_);
+    touch->touch.phase = TouchPhase::cancelled;
+    for (auto& r : touch->recognizers) {
+        r->touchCancelled(touch->touch);
+        r->reset();
+    }
+    touch->view->touchesCancelled(touch->touch);
+}
+
+void Window::tap(Point location) {
+    touchDown(location);
+    touchUp(location);
+}
+
+void Window::drag(Point from, Point to, int steps) {
+    touchDown(from);
+    steps = std::max(steps, 1);
+    for (int i = 1; i <= steps; ++i) {
+        double f = static_cast<double>(i) / steps;
+        touchMove({from.x + (to.x - from.x) * f, from.y + (to.y - from.y) * f});
+    }
+    touchUp(to);
+}
+
+void Window::insertText(std::string_view text) {
+    if (auto responder = firstResponder()) {
+        responder->insertText(text);
+    }
+}
+
+void Window::deleteBackward() {
+    if (auto responder = firstResponder()) {
+        responder->deleteBackward();
+    }
+}
+
+}  // namespace ovix::kit

@@ -1,0 +1,241 @@
+#include <gtest/gtest.h>
+
+#include "KitTest.h"
+#include "ovix/kit/Label.h"
+#include "ovix/kit/LayoutConstraint.h"
+#include "ovix/kit/View.h"
+#include "ovix/kit/ViewController.h"
+
+namespace ovix::test {
+namespace {
+
+using kit::LayoutConstraint;
+using kit::Rect;
+using kit::View;
+
+std::shared_ptr<View> constrained() {
+    auto v = View::create();
+    v->setTranslatesAutoresizingMaskIntoConstraints(false);
+    return v;
+}
+
+class ConstraintLayout : public KitTest {};
+
+TEST_F(ConstraintLayout, ContainerClampsBetweenMinAndMaxInsideMargins) {
+    auto root = View::create({0, 0, 900, 800});
+    auto box = constrained();
+    root->addSubview(box);
+    auto fill = box->widthAnchor().constraintEqualTo(root->widthAnchor());
+    fill->setPriority(kit::LayoutPriority::defaultHigh);
+    LayoutConstraint::activate({
+        box->centerXAnchor().constraintEqualTo(root->centerXAnchor()),
+        box->leadingAnchor().constraintGreaterThanOrEqualTo(root->leadingAnchor(), 20),
+        box->trailingAnchor().constraintLessThanOrEqualTo(root->trailingAnchor(), -20),
+        box->widthAnchor().constraintLessThanOrEqualToConstant(600),
+        box->widthAnchor().constraintGreaterThanOrEqualToConstant(300),
+        fill,
+        box->topAnchor().constraintEqualTo(root->topAnchor()),
+        box->heightAnchor().constraintEqualToConstant(10),
+    });
+
+    root->layoutIfNeeded();
+    EXPECT_EQ(box->frame(), (Rect{150, 0, 600, 10}));
+
+    root->setBounds({0, 0, 500, 800});
+    root->layoutIfNeeded();
+    EXPECT_EQ(box->frame(), (Rect{20, 0, 460, 10}));
+    EXPECT_TRUE(headless.console->lines().empty());
+
+    // 300 cannot fit inside the margins of 200: the later-activated minimum breaks, once.
+    root->setBounds({0, 0, 200, 800});
+    root->layoutIfNeeded();
+    EXPECT_EQ(box->frame(), (Rect{20, 0, 160, 10}));
+    ASSERT_EQ(headless.console->lines().size(), 1u);
+    EXPECT_NE(headless.console->lines()[0].find("⚠️ Unable to simultaneously satisfy constraints:"),
+              std::string::npos);
+    EXPECT_NE(headless.console->lines()[0].find("width >= 300"), std::string::npos);
+    root->layoutIfNeeded();
+    EXPECT_EQ(headless.console->lines().size(), 1u);
+
+    // Room again: the broken minimum holds once more.
+    root->setBounds({0, 0, 500, 800});
+    root->layoutIfNeeded();
+    EXPECT_EQ(box->frame(), (Rect{20, 0, 460, 10}));
+    root->setBounds({0, 0, 340, 800});
+    root->layoutIfNeeded();
+    EXPECT_EQ(box->frame(), (Rect{20, 0, 300, 10}));
+    EXPECT_EQ(headless.console->lines().size(), 1u);
+}
+
+TEST_F(ConstraintLayout, ConstantsMultipliersAndPrioritiesChangeAfterActivation) {
+    auto root = View::create({0, 0, 400, 400});
+    auto a = constrained();
+    auto b = constrained();
+    root->addSubview(a);
+    root->addSubview(b);
+    auto top = a->topAnchor().constraintEqualTo(root->topAnchor(), 10);
+    auto wish = a->widthAnchor().constraintEqualToConstant(100);
+    wish->setPriority(kit::LayoutPriority::defaultLow);
+    LayoutConstraint::activate({
+        top,
+        a->leadingAnchor().constraintEqualTo(root->leadingAnchor()),
+        a->heightAnchor().constraintEqualToConstant(20),
+        wish,
+        b->widthAnchor().constraintEqualTo(a->widthAnchor(), 0.5, 5),
+        b->heightAnchor().constraintEqualTo(a->heightAnchor(), 2),
+        b->topAnchor().constraintEqualTo(a->bottomAnchor(), 4),
+        b->trailingAnchor().constraintEqualTo(root->trailingAnchor()),
+    });
+    root->layoutIfNeeded();
+    EXPECT_EQ(a->frame(), (Rect{0, 10, 100, 20}));
+    EXPECT_EQ(b->frame(), (Rect{345, 34, 55, 40}));
+
+    top->setConstant(30);
+    wish->setConstant(200);
+    root->layoutIfNeeded();
+    EXPECT_EQ(a->frame(), (Rect{0, 30, 200, 20}));
+    EXPECT_EQ(b->frame(), (Rect{295, 54, 105, 40}));
+
+    // A stronger wish wins over a weaker one; lowering it again gives way.
+    auto other = a->widthAnchor().constraintEqualToConstant(50);
+    other->setPriority(500);
+    other->setActive(true);
+    root->layoutIfNeeded();
+    EXPECT_EQ(a->frame().width(), 50);
+    other->setPriority(100);
+    root->layoutIfNeeded();
+    EXPECT_EQ(a->frame().width(), 200);
+    other->setActive(false);
+    EXPECT_FALSE(other->isActive());
+    EXPECT_EQ(other->holder(), nullptr);
+}
+
+TEST_F(ConstraintLayout, ViewsInDifferentBranchesAreSolvedInTheCommonAncestor) {
+    auto root = View::create({0, 0, 400, 400});
+    auto left = View::create({10, 10, 100, 100});  // fixed frames
+    auto right = View::create({200, 50, 150, 150});
+    auto inner = constrained();
+    auto follower = constrained();
+    root->addSubview(left);
+    root->addSubview(right);
+    left->addSubview(inner);
+    right->addSubview(follower);
+    auto cross = follower->topAnchor().constraintEqualTo(inner->bottomAnchor(), 5);
+    LayoutConstraint::activate({
+        inner->leadingAnchor().constraintEqualTo(left->leadingAnchor(), 5),
+        inner->topAnchor().constraintEqualTo(left->topAnchor(), 5),
+        inner->widthAnchor().constraintEqualToConstant(30),
+        inner->heightAnchor().constraintEqualToConstant(30),
+        follower->leadingAnchor().constraintEqualTo(inner->trailingAnchor()),
+        cross,
+        follower->widthAnchor().constraintEqualToConstant(10),
+        follower->heightAnchor().constraintEqualToConstant(10),
+    });
+    EXPECT_EQ(cross->holder(), root);
+    root->layoutIfNeeded();
+    EXPECT_EQ(inner->frame(), (Rect{5, 5, 30, 30}));
+    // In window terms the follower sits at (45, 50): inside `right` that is (-155, 0).
+    EXPECT_EQ(follower->frame(), (Rect{-155, 0, 10, 10}));
+
+    left->setFrame({20, 30, 100, 100});
+    root->layoutIfNeeded();
+    EXPECT_EQ(follower->frame(), (Rect{-145, 20, 10, 10}));
+
+    // Taking a branch out drops the constraints that tied it to the rest.
+    right->removeFromSuperview();
+    EXPECT_FALSE(cross->isActive());
+    EXPECT_TRUE(root->constraintsAffecting().empty());
+}
+
+TEST_F(ConstraintLayout, IntrinsicSizeHugsAndResistsByPriority) {
+    auto root = View::create({0, 0, 300, 100});
+    auto label = kit::Label::create("Hello");
+    label->setFont(kit::Font::systemFont(20));
+    label->setTranslatesAutoresizingMaskIntoConstraints(false);
+    root->addSubview(label);
+    kit::Size natural = label->intrinsicContentSize();
+    ASSERT_GT(natural.width, 0);
+    auto leading = label->leadingAnchor().constraintEqualTo(root->leadingAnchor(), 10);
+    auto wide = label->widthAnchor().constraintEqualToConstant(200);
+    wide->setPriority(200);  // weaker than hugging (250): the label keeps its natural width
+    LayoutConstraint::activate({leading, label->topAnchor().constraintEqualTo(root->topAnchor()), wide});
+    root->layoutIfNeeded();
+    EXPECT_EQ(label->frame(), (Rect{10, 0, natural.width, natural.height}));
+
+    wide->setPriority(300);  // now stronger than hugging
+    root->layoutIfNeeded();
+    EXPECT_EQ(label->frame().width(), 200);
+
+    wide->setActive(false);
+    auto narrow = label->widthAnchor().constraintEqualToConstant(5);
+    narrow->setPriority(700);  // weaker than compression resistance (750)
+    narrow->setActive(true);
+    root->layoutIfNeeded();
+    EXPECT_EQ(label->frame().width(), natural.width);
+    label->setContentCompressionResistancePriority(600, kit::LayoutAxis::horizontal);
+    root->layoutIfNeeded();
+    EXPECT_EQ(label->frame().width(), 5);
+
+    label->setText("Hello, world and more");
+    narrow->setActive(false);
+    root->layoutIfNeeded();
+    EXPECT_EQ(label->frame().size, label->intrinsicContentSize());
+    EXPECT_GT(label->frame().width(), natural.width);
+}
+
+TEST_F(ConstraintLayout, SafeAreaGuideFollowsTheWindowInsetsAndRotation) {
+    auto controller = kit::ViewController::create();
+    window()->setRootViewController(controller);
+    auto view = controller->view();
+    auto bar = constrained();
+    view->addSubview(bar);
+    LayoutConstraint::activate({
+        bar->topAnchor().constraintEqualTo(view->safeAreaLayoutGuide().topAnchor(), 8),
+        bar->leadingAnchor().constraintEqualTo(view->safeAreaLayoutGuide().leadingAnchor(), 16),
+        bar->widthAnchor().constraintEqualToConstant(60),
+        bar->bottomAnchor().constraintEqualTo(view->safeAreaLayoutGuide().bottomAnchor()),
+    });
+    queue().runUntilIdle();  // layout runs on its own for views in a window
+    EXPECT_EQ(bar->frame(), (Rect{16, 55, 60, 844 - 34 - 55}));
+
+    headless.application->rotate(kit::DeviceOrientation::landscapeLeft);
+    queue().runUntilIdle();
+    EXPECT_EQ(view->frame(), (Rect{0, 0, 844, 390}));
+    EXPECT_EQ(bar->frame(), (Rect{63, 8, 60, 390 - 21 - 8}));
+}
+
+TEST_F(ConstraintLayout, ConstraintsWithoutACommonAncestorStayInactive) {
+    auto a = View::create();
+    auto b = View::create();
+    auto c = a->leadingAnchor().constraintEqualTo(b->leadingAnchor());
+    c->setActive(true);
+    EXPECT_FALSE(c->isActive());
+    ASSERT_EQ(headless.console->lines().size(), 1u);
+    EXPECT_NE(headless.console->lines()[0].find("no common ancestor"), std::string::npos);
+}
+
+TEST_F(ConstraintLayout, FittingSizeFollowsTheContent) {
+    auto cell = View::create({0, 0, 320, 44});
+    auto title = kit::Label::create("Title");
+    title->setTranslatesAutoresizingMaskIntoConstraints(false);
+    auto line = constrained();
+    cell->addSubview(title);
+    cell->addSubview(line);
+    LayoutConstraint::activate({
+        title->topAnchor().constraintEqualTo(cell->topAnchor(), 8),
+        title->leadingAnchor().constraintEqualTo(cell->leadingAnchor(), 8),
+        line->topAnchor().constraintEqualTo(title->bottomAnchor(), 16),
+        line->heightAnchor().constraintEqualToConstant(1),
+        line->leadingAnchor().constraintEqualTo(cell->leadingAnchor()),
+        line->trailingAnchor().constraintEqualTo(cell->trailingAnchor()),
+        line->bottomAnchor().constraintEqualTo(cell->bottomAnchor()),
+    });
+    kit::Size size = cell->systemLayoutSizeFitting({320, 0}, kit::LayoutPriority::required,
+                                                   kit::LayoutPriority::fittingSizeLevel);
+    EXPECT_EQ(size.width, 320);
+    EXPECT_EQ(size.height, 8 + title->intrinsicContentSize().height + 16 + 1);
+    EXPECT_EQ(cell->frame(), (Rect{0, 0, 320, 44})) << "measuring does not move anything";
+}
+
+}  // namespace
+}  // namespace ovix::test

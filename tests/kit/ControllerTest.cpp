@@ -1,0 +1,255 @@
+#include <gtest/gtest.h>
+
+#include "KitTest.h"
+#include "ovix/kit/AlertController.h"
+#include "ovix/kit/NavigationController.h"
+#include "ovix/kit/NotificationCenter.h"
+#include "ovix/kit/Screen.h"
+#include "ovix/kit/ViewController.h"
+#include "ovix/kit/WindowScene.h"
+
+namespace ovix::test {
+namespace {
+
+using kit::Rect;
+using kit::ViewController;
+
+/// Counts its lifecycle calls.
+class CountingController : public ViewController {
+  public:
+    int loads = 0;
+    int appeared = 0;
+    int disappeared = 0;
+    void viewDidAppear(bool) override { ++appeared; }
+    void viewDidDisappear(bool) override { ++disappeared; }
+
+  protected:
+    void viewDidLoad() override {
+        ++loads;
+        view()->setBackgroundColor(kit::Color::white());
+    }
+};
+
+class Controllers : public KitTest {};
+
+TEST_F(Controllers, ViewLoadsOnceThenViewDidLoad) {
+    auto c = std::make_shared<CountingController>();
+    EXPECT_FALSE(c->isViewLoaded());
+    auto v = c->view();
+    EXPECT_EQ(c->view(), v);
+    EXPECT_EQ(c->loads, 1);
+    EXPECT_EQ(v->frame(), (Rect{0, 0, 390, 844})) << "the default view covers the main screen";
+    EXPECT_EQ(v->viewController(), c);
+    EXPECT_EQ(v->backgroundColor(), kit::Color::white());
+}
+
+TEST_F(Controllers, RootControllerFillsTheWindowAndKeepsOverlaysOnTop) {
+    auto w = window();
+    EXPECT_TRUE(w->isKeyWindow());
+    EXPECT_FALSE(w->isHidden());
+    auto overlay = kit::View::create({100, 200, 50, 50});
+    auto first = std::make_shared<CountingController>();
+    w->setRootViewController(first);
+    w->addSubview(overlay);
+    auto second = std::make_shared<CountingController>();
+    w->setRootViewController(second);
+    EXPECT_EQ(w->subviews().back(), overlay) << "the new root takes the old root's place, under overlays";
+    EXPECT_EQ(first->view()->superview(), nullptr);
+    EXPECT_EQ(second->view()->frame(), w->bounds());
+    EXPECT_EQ(second->appeared, 1);
+}
+
+TEST_F(Controllers, PresentAndDismissLinkAndAnimateOnTheVirtualClock) {
+    auto root = std::make_shared<CountingController>();
+    auto nav = kit::NavigationController::create(root);
+    window()->setRootViewController(nav);
+    auto sheet = std::make_shared<CountingController>();
+    sheet->setModalPresentationStyle(kit::ModalPresentationStyle::overFullScreen);
+    sheet->setModalTransitionStyle(kit::ModalTransitionStyle::crossDissolve);
+    bool presented = false;
+    root->present(sheet, true, [&] { presented = true; });
+
+    EXPECT_EQ(nav->presentedViewController(), sheet)
+        << "the child presents through its navigation controller";
+    EXPECT_EQ(sheet->presentingViewController(), nav);
+    EXPECT_EQ(sheet->view()->superview(), window());
+    EXPECT_EQ(sheet->view()->frame(), window()->bounds());
+    EXPECT_EQ(sheet->view()->alpha(), 1) << "the model is final at once";
+    auto halfway = sheet->view()->presentation(kit::ViewController::transitionDuration / 2);
+    EXPECT_GT(halfway.alpha, 0);
+    EXPECT_LT(halfway.alpha, 1);
+    queue().advance(0.29);
+    EXPECT_FALSE(presented);
+    queue().advance(0.02);
+    EXPECT_TRUE(presented);
+    EXPECT_EQ(sheet->appeared, 1);
+
+    // Presenting again while presenting is refused with a warning.
+    auto other = ViewController::create();
+    root->present(other, false);
+    EXPECT_EQ(other->presentingViewController(), nullptr);
+    EXPECT_EQ(headless.console->lines().size(), 1u);
+
+    bool dismissed = false;
+    sheet->dismiss(true, [&] { dismissed = true; });
+    EXPECT_EQ(nav->presentedViewController(), nullptr);
+    EXPECT_EQ(sheet->presentingViewController(), nullptr);
+    EXPECT_EQ(sheet->view()->superview(), window()) << "the view leaves after the transition";
+    queue().advance(kit::ViewController::transitionDuration);
+    EXPECT_TRUE(dismissed);
+    EXPECT_EQ(sheet->view()->superview(), nullptr);
+    EXPECT_EQ(sheet->disappeared, 1);
+
+    // A controller that neither presents nor is presented ignores dismiss.
+    bool called = false;
+    root->dismiss(true, [&] { called = true; });
+    queue().advance(1);
+    EXPECT_FALSE(called);
+}
+
+TEST_F(Controllers, SheetsStartBelowTheTopSafeAreaAndNestedDismissClosesTheChain) {
+    auto root = ViewController::create();
+    window()->setRootViewController(root);
+    auto list = ViewController::create();
+    auto nav = kit::NavigationController::create(list);
+    nav->setModalPresentationStyle(kit::ModalPresentationStyle::formSheet);
+    root->present(nav, false);
+    EXPECT_EQ(nav->view()->frame(), (Rect{0, 57, 390, 844 - 57}));
+    auto top = ViewController::create();
+    list->present(top, false);
+    EXPECT_EQ(nav->presentedViewController(), top);
+
+    list->dismiss(false);  // the child of a presented controller dismisses the presented one
+    EXPECT_EQ(root->presentedViewController(), nullptr);
+    EXPECT_EQ(nav->presentedViewController(), nullptr);
+    EXPECT_EQ(top->view()->superview(), nullptr);
+    EXPECT_EQ(nav->view()->superview(), nullptr);
+}
+
+TEST_F(Controllers, PresentingFromAViewOutsideAWindowDoesNothing) {
+    auto lonely = ViewController::create();
+    bool called = false;
+    lonely->present(ViewController::create(), false, [&] { called = true; });
+    queue().runUntilIdle();
+    EXPECT_FALSE(called);
+    EXPECT_EQ(lonely->presentedViewController(), nullptr);
+    EXPECT_EQ(headless.console->lines().size(), 1u);
+}
+
+TEST_F(Controllers, NavigationBarShowsTheTopItemAndInsetsTheSafeArea) {
+    auto root = ViewController::create();
+    root->setTitle("Chọn loại lỗi");
+    int done = 0;
+    root->navigationItem().setRightBarButtonItem(
+        kit::BarButtonItem::create("OK", kit::BarButtonItemStyle::done, [&] { ++done; }));
+    auto nav = kit::NavigationController::create(root);
+    window()->setRootViewController(nav);
+    queue().runUntilIdle();
+
+    auto bar = nav->navigationBar();
+    EXPECT_EQ(bar->titleLabel()->text(), "Chọn loại lỗi");
+    EXPECT_EQ(bar->frame(), (Rect{0, 47, 390, 44}));
+    EXPECT_EQ(root->view()->safeAreaInsets().top, 47 + 44);
+    EXPECT_TRUE(bar->leftButton()->isHidden());
+    kit::Rect ok = bar->rightButton()->convertTo(bar->rightButton()->bounds(), nullptr);
+    window()->tap({ok.midX(), ok.midY()});
+    EXPECT_EQ(done, 1);
+
+    nav->setNavigationBarHidden(true, false);
+    EXPECT_TRUE(bar->isHidden());
+    EXPECT_EQ(root->view()->safeAreaInsets().top, 47);
+
+    auto pushed = ViewController::create();
+    pushed->setTitle("Next");
+    nav->pushViewController(pushed, false);
+    EXPECT_EQ(nav->topViewController(), pushed);
+    EXPECT_EQ(pushed->navigationController(), nav);
+    EXPECT_EQ(bar->titleLabel()->text(), "Next");
+    EXPECT_EQ(root->view()->superview(), nullptr);
+    EXPECT_EQ(nav->popViewController(false), pushed);
+    EXPECT_EQ(nav->popViewController(false), nullptr);
+    EXPECT_EQ(root->view()->superview(), nav->view());
+}
+
+TEST_F(Controllers, AlertActionsDismissThenRunTheirHandler) {
+    auto root = ViewController::create();
+    window()->setRootViewController(root);
+    auto alert = kit::AlertController::create("Giao dịch thất bại", "Có lỗi xảy ra vui lòng thử lại",
+                                              kit::AlertControllerStyle::alert);
+    std::vector<std::string> ran;
+    alert->addAction(kit::AlertAction::create("OK", kit::AlertActionStyle::defaultStyle));
+    alert->addAction(kit::AlertAction::create("Xoá", kit::AlertActionStyle::destructive,
+                                              [&](const kit::AlertAction& a) { ran.push_back(a.title()); }));
+    root->present(alert, true);
+    EXPECT_EQ(alert->modalPresentationStyle(), kit::ModalPresentationStyle::overFullScreen);
+    queue().advance(1);
+
+    auto card = alert->cardView();
+    EXPECT_EQ(card->frame().width(), kit::AlertController::cardWidth);
+    EXPECT_NEAR(card->frame().midX(), 195, 1e-9);
+    auto destructive = alert->buttonForAction(1);
+    EXPECT_EQ(destructive->currentTitleColor(), kit::Color::systemRed());
+    kit::Rect r = destructive->convertTo(destructive->bounds(), nullptr);
+    window()->tap({r.midX(), r.midY()});
+    EXPECT_EQ(root->presentedViewController(), nullptr);
+    EXPECT_TRUE(ran.empty()) << "the handler waits for the alert to be gone";
+    queue().advance(kit::ViewController::transitionDuration);
+    EXPECT_EQ(ran, std::vector<std::string>{"Xoá"});
+    EXPECT_EQ(alert->view()->superview(), nullptr);
+}
+
+TEST_F(Controllers, KeyWindowSearchWalksScenesInOrder) {
+    auto first = window();
+    auto second = headless.application->addWindow();
+    EXPECT_EQ(kit::Application::keyWindow(), first);
+    second->makeKeyAndVisible();
+    EXPECT_FALSE(first->isKeyWindow());
+    EXPECT_EQ(kit::Application::keyWindow(), second);
+
+    auto scene = kit::WindowScene::create(headless.application->mainScreen());
+    auto elsewhere = kit::Window::create(scene);
+    headless.application->connectScene(scene);
+    EXPECT_EQ(kit::Application::shared().windows().size(), 3u);
+    elsewhere->makeKey();
+    EXPECT_EQ(kit::Application::keyWindow(), elsewhere);
+    headless.application->disconnectScene(*scene);
+    EXPECT_EQ(kit::Application::keyWindow(), nullptr)
+        << "a key window outside the connected scenes is not found";
+}
+
+TEST_F(Controllers, ApplicationOpensOnlyKnownSchemesAndCountsRegistrations) {
+    auto& app = kit::Application::shared();
+    EXPECT_TRUE(app.canOpen("https://example.com/news"));
+    EXPECT_FALSE(app.canOpen("tel://00000000000"));
+    EXPECT_FALSE(app.open("tel://00000000000"));
+    EXPECT_FALSE(app.canOpen("not a url"));
+    headless.application->setOpenableSchemes({"tel"});
+    EXPECT_TRUE(app.open("tel://00000000000"));
+    EXPECT_EQ(headless.application->openedUrls(), std::vector<std::string>{"tel://00000000000"});
+    app.registerForRemoteNotifications();
+    EXPECT_EQ(headless.application->remoteNotificationRegistrations(), 1);
+}
+
+TEST_F(Controllers, RotationTurnsTheScreenAndNotifiesLiveObserversOnly) {
+    auto screen = kit::Screen::main();
+    EXPECT_EQ(screen->bounds(), (Rect{0, 0, 390, 844}));
+    EXPECT_EQ(screen->scale(), 3);
+    int calls = 0;
+    auto owner = std::make_shared<int>(0);
+    kit::NotificationCenter::defaultCenter().addObserver(
+        std::string(kit::deviceOrientationDidChangeNotification), owner, [&] { ++calls; });
+    headless.application->rotate(kit::DeviceOrientation::landscapeRight);
+    EXPECT_EQ(screen->bounds(), (Rect{0, 0, 844, 390}));
+    EXPECT_EQ(window()->frame(), (Rect{0, 0, 844, 390}));
+    EXPECT_EQ(window()->windowSafeAreaInsets(), (kit::EdgeInsets{0, 47, 21, 47}));
+    EXPECT_EQ(calls, 1);
+    owner.reset();
+    headless.application->rotate(kit::DeviceOrientation::portrait);
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(
+        kit::NotificationCenter::defaultCenter().observerCount(kit::deviceOrientationDidChangeNotification),
+        0u);
+}
+
+}  // namespace
+}  // namespace ovix::test
