@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -55,6 +56,9 @@ class Solver {
     void reset();
     /// Constraints added through `addConstraint` (edit variables are not counted).
     std::size_t constraintCount() const;
+
+    /// "" while the internal bookkeeping is consistent; otherwise what broke (tests, diagnostics).
+    std::string invariantViolation() const { return tableau_.invariantViolation(); }
 
   private:
     struct Record {

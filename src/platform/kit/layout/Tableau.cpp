@@ -340,8 +340,9 @@ bool Tableau::dualOptimize() {
 }
 
 Symbol Tableau::leavingRowForMarker(Symbol marker) {
-    // Prefer a restricted row that the marker lowers (smallest ratio), then one it raises, and only
-    // then an external row: the remaining rows stay feasible and restricted rows stay restricted.
+    // A pinned row takes the marker at no cost. Otherwise prefer a restricted row that the marker
+    // lowers (smallest ratio), then one it raises, and only then an external row: the remaining rows
+    // stay feasible and restricted rows keep depending on restricted symbols only.
     Symbol lowers = noSymbol;
     Symbol raises = noSymbol;
     Symbol external = noSymbol;
@@ -350,24 +351,70 @@ Symbol Tableau::leavingRowForMarker(Symbol marker) {
     for (Symbol b : column(marker)) {
         double a = row(b).coefficient(marker);
         double k = row(b).constant();
-        if (kind(b) == SymbolKind::External) {
-            if (external == noSymbol) {
-                external = b;
-            }
-        } else if (a < 0) {
-            if (-k / a < lowersRatio) {
-                lowersRatio = -k / a;
-                lowers = b;
-            }
-        } else if (k / a < raisesRatio) {
-            raisesRatio = k / a;
-            raises = b;
+        switch (kind(b)) {
+            case SymbolKind::Dummy:
+                return b;
+            case SymbolKind::External:
+                if (external == noSymbol) {
+                    external = b;
+                }
+                break;
+            default:
+                if (a < 0 && -k / a < lowersRatio) {
+                    lowersRatio = -k / a;
+                    lowers = b;
+                } else if (a > 0 && k / a < raisesRatio) {
+                    raisesRatio = k / a;
+                    raises = b;
+                }
         }
     }
     if (lowers != noSymbol) {
         return lowers;
     }
     return raises != noSymbol ? raises : external;
+}
+
+std::string Tableau::invariantViolation() const {
+    auto name = [](Symbol s) { return std::to_string(s); };
+    for (Symbol b = 0; b < symbols_.size(); ++b) {
+        const SymbolInfo& info = symbols_[b];
+        if (!info.basic) {
+            continue;
+        }
+        if (info.kind != SymbolKind::External && info.row.constant() < -1e-6) {
+            return "restricted row " + name(b) + " is infeasible";
+        }
+        if (info.kind == SymbolKind::Dummy && std::fabs(info.row.constant()) > 1e-6) {
+            return "pinned row " + name(b) + " is not zero";
+        }
+        for (const Row::Cell& cell : info.row.cells()) {
+            const SymbolInfo& dep = symbols_[cell.symbol];
+            if (dep.basic) {
+                return "row " + name(b) + " depends on basic " + name(cell.symbol);
+            }
+            if (info.kind == SymbolKind::Dummy && dep.kind != SymbolKind::Dummy) {
+                return "pinned row " + name(b) + " depends on " + name(cell.symbol);
+            }
+            if (info.kind != SymbolKind::External && dep.kind == SymbolKind::External) {
+                return "restricted row " + name(b) + " depends on external " + name(cell.symbol);
+            }
+            if (std::find(dep.column.begin(), dep.column.end(), b) == dep.column.end()) {
+                return "column of " + name(cell.symbol) + " misses row " + name(b);
+            }
+            if (std::find(released_.begin(), released_.end(), cell.symbol) != released_.end()) {
+                return "row " + name(b) + " depends on released " + name(cell.symbol);
+            }
+        }
+    }
+    for (const Row& level : objective_) {
+        for (const Row::Cell& cell : level.cells()) {
+            if (symbols_[cell.symbol].basic || symbols_[cell.symbol].kind == SymbolKind::External) {
+                return "objective depends on " + name(cell.symbol);
+            }
+        }
+    }
+    return "";
 }
 
 }  // namespace ovix::kit::layout

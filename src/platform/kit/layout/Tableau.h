@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <set>
+#include <string>
 #include <vector>
 
 #include "platform/kit/layout/Row.h"
@@ -55,6 +56,9 @@ class Tableau {
     bool dualOptimize();
     /// The row to pivot `marker` into before dropping its constraint, keeping the others feasible.
     Symbol leavingRowForMarker(Symbol marker);
+
+    /// Describes the first broken tableau invariant, or returns "" (for tests and diagnostics).
+    std::string invariantViolation() const;
 
   private:
     struct SymbolInfo {
