@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <future>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -58,6 +59,19 @@ public:
     /// client's callback thread, not the main queue; with no stored token, at once on the calling
     /// thread, and nothing is sent.
     void getUserInfo(std::function<void(std::optional<Dictionary>)> completion);
+
+    /// Buys a store product, in two calls on purpose. While the purchase manager has not loaded
+    /// `productId`, a call only loads it (`BILLING_CONNECTED`, or `BILLING_ERROR`); call again once
+    /// it has. Then the backend is asked whether the player may buy it: if so the purchase runs
+    /// (`PURCHASE_UPDATED` or `BILLING_ERROR`); a refusal or a failed check raises nothing and posts
+    /// the alert "Giao dịch thất bại" to the main queue, shown by the root controller of the first
+    /// scene's first window (nothing is shown when there is none).
+    /// Events arrive on the store's thread. The future is ready once all that was raised or posted;
+    /// it never waits for the main queue, so the main thread may wait on it.
+    std::future<void> purchaseProduct(std::string_view productId);
+    /// Replays the current entitlements as `PURCHASES_RESTORED` events (`BILLING_ERROR` for one the
+    /// store cannot verify), on the store's thread. Returns at once.
+    void restorePurchases();
 
     /// Raises `event` through the one event mechanism: the listener, if set, gets it once, on the
     /// calling thread. Used by the SDK's own components; a game may raise its reserved events too.

@@ -1,10 +1,14 @@
 #include "ovix/OvixCore.h"
 
+#include <algorithm>
 #include <atomic>
+#include <thread>
 
 #include "api/APIService.h"
 #include "core/SessionManager.h"
 #include "ovix/platform/Platform.h"
+#include "purchases/IAPManager.h"
+#include "purchases/PurchaseAlert.h"
 #include "push/FirebaseManager.h"
 
 namespace ovix {
@@ -48,6 +52,34 @@ void OvixCore::logout() {
 
 void OvixCore::getUserInfo(std::function<void(std::optional<Dictionary>)> completion) {
     APIService::getUserInfo(std::move(completion));
+}
+
+std::future<void> OvixCore::purchaseProduct(std::string_view productId) {
+    std::string id(productId);
+    auto& manager = IAPManager::shared();
+    auto loaded = manager.products();
+    if (std::none_of(loaded.begin(), loaded.end(), [&id](const auto& product) { return product.id == id; })) {
+        return manager.fetchProducts({id});
+    }
+    auto eligibility = APIService::checkEligibility(id);
+    auto done = std::make_shared<std::promise<void>>();
+    auto future = done->get_future();
+    // The purchase's own task: it waits for the backend's answer, then for the purchase manager.
+    std::thread([id = std::move(id), eligibility = std::move(eligibility), done]() mutable {
+        auto answer = eligibility.get();
+        if (answer && answer->eligible) {
+            IAPManager::shared().purchase(id).wait();
+        } else {
+            PurchaseAlert::post(
+                std::string(answer ? PurchaseAlert::notEligibleMessage : PurchaseAlert::failedMessage));
+        }
+        done->set_value();
+    }).detach();
+    return future;
+}
+
+void OvixCore::restorePurchases() {
+    (void)IAPManager::shared().restorePurchases();
 }
 
 std::string OvixCore::getTokenApp() const { return SessionManager::readString(SessionManager::shared().tokenKey); }
