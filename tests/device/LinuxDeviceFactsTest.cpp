@@ -1,13 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <unistd.h>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <regex>
 
 #include "device/DeviceInfoCollector.h"
+#include "device/ScratchDirectory.h"
 #include "ovix/testing/HeadlessPlatform.h"
 #include "platform/linux/LinuxDeviceFacts.h"
 #include "platform/openssl/OpenSslCrypto.h"
@@ -22,23 +21,12 @@ const std::regex kUpperUuid("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]
 // A machine laid out under a temporary root, with an environment of its own.
 class LinuxMachine : public ::testing::Test {
   protected:
-    void SetUp() override {
-        root = fs::temp_directory_path() / ("ovix-linux-" + std::to_string(::getpid()) + "-" +
-                                            ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(root);
-        fs::create_directories(root);
-    }
-    void TearDown() override { fs::remove_all(root); }
-
-    void write(const std::string& relative, const std::string& text) {
-        fs::create_directories((root / relative).parent_path());
-        std::ofstream(root / relative, std::ios::binary) << text;
-    }
+    void write(const std::string& relative, const std::string& text) { root.write(relative, text); }
     void remove(const std::string& relative) { fs::remove(root / relative); }
 
     LinuxDeviceFacts facts() const {
         LinuxDeviceFacts::Sources sources;
-        sources.root = root;
+        sources.root = root.path();
         sources.environment = [env = environment](const std::string& name) -> std::optional<std::string> {
             auto it = env.find(name);
             return it == env.end() ? std::nullopt : std::optional<std::string>(it->second);
@@ -46,7 +34,7 @@ class LinuxMachine : public ::testing::Test {
         return LinuxDeviceFacts(std::make_shared<ovix::platform::OpenSslCrypto>(), sources);
     }
 
-    fs::path root;
+    ovix::test::ScratchDirectory root{"ovix-linux"};
     std::map<std::string, std::string> environment;
 };
 

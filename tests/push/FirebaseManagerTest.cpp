@@ -1,11 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <unistd.h>
 #include <filesystem>
-#include <fstream>
 #include <thread>
 
 #include "core/SessionManager.h"
+#include "device/ScratchDirectory.h"
 #include "ovix/OvixCore.h"
 #include "ovix/testing/HeadlessPlatform.h"
 #include "push/FirebaseManager.h"
@@ -26,9 +25,6 @@ constexpr const char* kAlreadyLine = "⚠️ Firebase already configured";
 class Push : public ::testing::Test {
   protected:
     void SetUp() override {
-        root = fs::temp_directory_path() / ("ovix-push-" + std::to_string(::getpid()) + "-" +
-                                            ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(root);
         fs::create_directories(root / "host");
         fs::create_directories(root / "sdk");
         ovix::testing::HeadlessPlatform::Options options;
@@ -40,7 +36,6 @@ class Push : public ::testing::Test {
         headless.install();
         headless.store->setString(ovix::SessionManager::shared().clientIdKey, "client-7");
     }
-    void TearDown() override { fs::remove_all(root); }
 
     void place(const fs::path& source, const fs::path& directory) {
         fs::create_directories(root / directory);
@@ -50,7 +45,7 @@ class Push : public ::testing::Test {
     std::vector<std::string> lines() const { return headless.console->lines(); }
     FirebaseManager& manager = FirebaseManager::shared();
 
-    fs::path root;
+    ovix::test::ScratchDirectory root{"ovix-push"};
     ovix::testing::HeadlessPlatform headless;
     std::shared_ptr<ovix::test::RecordingApplication> application;
 };
@@ -80,7 +75,7 @@ TEST_F(Push, OptionsOnlyInTheSdkBundleAreUsedWithTheSecondLine) {
 }
 
 TEST_F(Push, UnreadableHostFileFallsBackToTheSdkResourceBundle) {
-    std::ofstream(root / "host" / "GoogleService-Info.plist") << "not a property list";
+    root.write("host/GoogleService-Info.plist", "not a property list");
     place(kData / "options-xml.plist", "sdk/OvixSdkResources.bundle");
     manager.configure();
     EXPECT_EQ(lines(), std::vector<std::string>{kSdkLine});

@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <unistd.h>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <future>
 
+#include "device/ScratchDirectory.h"
 #include "ovix/testing/HeadlessPlatform.h"
 #include "platform/linux/LinuxPushClient.h"
 #include "platform/plist/PropertyListReader.h"
@@ -28,19 +28,8 @@ std::string slurp(const fs::path& path) {
 
 class OptionsFiles : public ::testing::Test {
   protected:
-    void SetUp() override {
-        dir = fs::temp_directory_path() / ("ovix-plist-" + std::to_string(::getpid()) + "-" +
-                                           ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(dir);
-        fs::create_directories(dir);
-    }
-    void TearDown() override { fs::remove_all(dir); }
-
-    fs::path write(const std::string& name, std::string_view bytes) {
-        std::ofstream(dir / name, std::ios::binary) << bytes;
-        return dir / name;
-    }
-    fs::path dir;
+    fs::path write(const std::string& name, std::string_view bytes) { return dir.write(name, bytes); }
+    ovix::test::ScratchDirectory dir{"ovix-plist"};
 };
 
 // Both files were written by a standard property-list writer (Python's plistlib).
@@ -100,7 +89,7 @@ TEST_F(OptionsFiles, UnreadableOrUnusableFilesAreNoOptions) {
     const std::string binary = slurp(kData / "options-binary.plist");
     const std::vector<fs::path> refused{
         dir / "missing.plist",
-        dir,  // a directory
+        dir.path(),  // a directory
         write("empty.plist", ""),
         write("garbage.plist", "GOOGLE_APP_ID = 1:2:ios:3"),
         write("truncated-binary.plist", binary.substr(0, binary.size() / 2)),

@@ -13,21 +13,22 @@ namespace ovix::test {
 /// notifications, and whether each came on the main thread.
 class RecordingApplication : public platform::Application {
   public:
-    explicit RecordingApplication(std::shared_ptr<platform::MainQueue> queue) : queue_(std::move(queue)) {}
+    // Held weakly: work pending on the queue may hold this application.
+    explicit RecordingApplication(std::weak_ptr<platform::MainQueue> queue) : queue_(std::move(queue)) {}
 
     std::vector<std::shared_ptr<kit::WindowScene>> connectedScenes() const override { return {}; }
     std::vector<std::shared_ptr<kit::Window>> windows() const override { return {}; }
     bool open(const std::string& url) override {
         std::lock_guard lock(mutex_);
         opened_.push_back(url);
-        offMain_ += !queue_->isMainThread();
+        offMain_ += !onMain();
         return true;
     }
     bool canOpen(const std::string&) const override { return true; }
     void registerForRemoteNotifications() override {
         std::lock_guard lock(mutex_);
         ++registrations_;
-        offMain_ += !queue_->isMainThread();
+        offMain_ += !onMain();
     }
 
     std::vector<std::string> opened() const {
@@ -45,7 +46,12 @@ class RecordingApplication : public platform::Application {
     }
 
   private:
-    std::shared_ptr<platform::MainQueue> queue_;
+    bool onMain() const {
+        auto queue = queue_.lock();
+        return queue && queue->isMainThread();
+    }
+
+    std::weak_ptr<platform::MainQueue> queue_;
     mutable std::mutex mutex_;
     std::vector<std::string> opened_;
     int registrations_ = 0;
