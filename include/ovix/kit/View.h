@@ -198,6 +198,7 @@ class View : public LayoutItem {
     EdgeInsets layoutMargins() const { return layoutMargins_; }
     void setLayoutMargins(EdgeInsets margins);
     void addLayoutGuide(std::shared_ptr<LayoutGuide> guide);
+    void removeLayoutGuide(const LayoutGuide& guide);
     const std::vector<std::shared_ptr<LayoutGuide>>& layoutGuides() const { return guides_; }
 
     /// The natural size of the content; `noIntrinsicMetric` in a dimension that has none.
@@ -279,6 +280,8 @@ class View : public LayoutItem {
     virtual void tintColorDidChange() {}
     /// Called when the bounds size changed (before autoresizing the subviews).
     virtual void boundsSizeDidChange(Size oldSize) { (void)oldSize; }
+    /// A subview was hidden or shown (stack views rearrange).
+    virtual void subviewVisibilityDidChange(View& subview) { (void)subview; }
     /// A scroll view's content guide was solved to `size` (the content size).
     virtual void contentLayoutGuideDidResolve(Size size) { (void)size; }
 

@@ -376,16 +376,43 @@ std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting*
                          name + ".height == bounds (root)");
             }
         } else if (view->translatesAutoresizingMaskIntoConstraints()) {
-            auto& s = variablesFor(view->superview());
+            // The fixed frame, with the autoresizing mask turned into its dependence on the
+            // superview's size: flexible parts take their share of any change in that size.
+            auto superview = view->superview();
+            auto& s = variablesFor(superview);
             Rect f = view->frame();
-            generate(keyOf(vp, "frame.left"), v.left - s.left - f.origin.x, layout::Relation::Equal, required,
-                     name + ".left == frame");
-            generate(keyOf(vp, "frame.top"), v.top - s.top - f.origin.y, layout::Relation::Equal, required,
-                     name + ".top == frame");
-            generate(keyOf(vp, "frame.width"), v.width - f.size.width, layout::Relation::Equal, required,
-                     name + ".width == frame");
-            generate(keyOf(vp, "frame.height"), v.height - f.size.height, layout::Relation::Equal, required,
-                     name + ".height == frame");
+            Size old = superview->bounds().size;
+            using M = AutoresizingMask;
+            M mask = superview->autoresizesSubviews() ? view->autoresizingMask() : M::none;
+            auto shares = [](double start, double length, double end, bool fs, bool fl, bool fe) {
+                double total = (fs ? start : 0) + (fl ? length : 0) + (fe ? end : 0);
+                int count = int(fs) + int(fl) + int(fe);
+                auto share = [&](bool flexible, double part) {
+                    return !flexible ? 0.0 : total != 0 ? part / total : 1.0 / count;
+                };
+                return std::pair<double, double>(share(fs, start), share(fl, length));
+            };
+            auto scaled = [](const layout::Variable& var, double k) {
+                return k == 0 ? layout::Expression(0) : layout::Expression(var) * k;
+            };
+            auto [kx, kw] = shares(f.origin.x, f.size.width, old.width - f.origin.x - f.size.width,
+                                   has(mask, M::flexibleLeftMargin), has(mask, M::flexibleWidth),
+                                   has(mask, M::flexibleRightMargin));
+            auto [ky, kh] = shares(f.origin.y, f.size.height, old.height - f.origin.y - f.size.height,
+                                   has(mask, M::flexibleTopMargin), has(mask, M::flexibleHeight),
+                                   has(mask, M::flexibleBottomMargin));
+            generate(keyOf(vp, "frame.left"),
+                     v.left - s.left - scaled(s.width, kx) - (f.origin.x - kx * old.width),
+                     layout::Relation::Equal, required, name + ".left == frame");
+            generate(keyOf(vp, "frame.top"),
+                     v.top - s.top - scaled(s.height, ky) - (f.origin.y - ky * old.height),
+                     layout::Relation::Equal, required, name + ".top == frame");
+            generate(keyOf(vp, "frame.width"),
+                     v.width - scaled(s.width, kw) - (f.size.width - kw * old.width), layout::Relation::Equal,
+                     required, name + ".width == frame");
+            generate(keyOf(vp, "frame.height"),
+                     v.height - scaled(s.height, kh) - (f.size.height - kh * old.height),
+                     layout::Relation::Equal, required, name + ".height == frame");
         }
         if (vp != &root || fitting) {
             if (!view->translatesAutoresizingMaskIntoConstraints() || (vp == &root && fitting)) {

@@ -361,7 +361,8 @@ void View::setHidden(bool hidden) {
         resignFirstResponder();
     }
     if (auto parent = superview()) {
-        parent->setNeedsLayout();  // stack views drop hidden arranged views
+        parent->setNeedsLayout();
+        parent->subviewVisibilityDidChange(*this);
     }
 }
 
@@ -533,6 +534,26 @@ void View::addLayoutGuide(std::shared_ptr<LayoutGuide> guide) {
     }
     guide->owner_ = std::static_pointer_cast<View>(shared_from_this());
     guides_.push_back(std::move(guide));
+}
+
+void View::removeLayoutGuide(const LayoutGuide& guide) {
+    auto it = std::find_if(guides_.begin(), guides_.end(), [&](auto& g) { return g.get() == &guide; });
+    if (it == guides_.end()) {
+        return;
+    }
+    auto keep = *it;
+    guides_.erase(it);
+    // Constraints on the guide go with it.
+    for (auto v = self<View>(); v; v = v->superview()) {
+        std::vector<std::shared_ptr<LayoutConstraint>> leaving;
+        for (auto& c : v->constraints_) {
+            if (c->firstItem() == keep || c->secondItem() == keep) {
+                leaving.push_back(c);
+            }
+        }
+        LayoutConstraint::deactivate(leaving);
+    }
+    keep->owner_.reset();
 }
 
 void View::invalidateIntrinsicContentSize() {
