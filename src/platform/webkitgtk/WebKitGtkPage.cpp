@@ -1,0 +1,230 @@
+#include "platform/webkitgtk/WebKitGtkPage.h"
+
+#include <cmath>
+#include <utility>
+
+namespace ovix::platform::webkitgtk {
+
+namespace {
+
+struct PendingScript {
+    WebKitGtkPage::ScriptCompletion completion;
+};
+
+}  // namespace
+
+Value valueFromJavaScript(JSCValue* value) {
+    if (value == nullptr) {
+        return Value();
+    }
+    char* json = jsc_value_to_json(value, 0);
+    if (json == nullptr) {
+        return Value();
+    }
+    auto parsed = Value::fromJson(json);
+    g_free(json);
+    return parsed ? std::move(*parsed) : Value();
+}
+
+WebKitGtkPage::WebKitGtkPage(Callbacks callbacks)
+    : callbacks_(std::move(callbacks)),
+      contentManager_(webkit_user_content_manager_new()),
+      view_(WEBKIT_WEB_VIEW(
+          g_object_new(WEBKIT_TYPE_WEB_VIEW, "user-content-manager", contentManager_, nullptr))),
+      cancellable_(g_cancellable_new()) {
+    g_object_ref_sink(view_);
+    loadChangedHandler_ = g_signal_connect(view_, "load-changed", G_CALLBACK(onLoadChanged), this);
+    loadFailedHandler_ = g_signal_connect(view_, "load-failed", G_CALLBACK(onLoadFailed), this);
+}
+
+WebKitGtkPage::~WebKitGtkPage() {
+    cancelLoadTimeout();
+    g_cancellable_cancel(cancellable_);
+    g_signal_handler_disconnect(view_, loadChangedHandler_);
+    g_signal_handler_disconnect(view_, loadFailedHandler_);
+    for (const auto& registration : registrations_) {
+        g_signal_handler_disconnect(contentManager_, registration->handler);
+        webkit_user_content_manager_unregister_script_message_handler(contentManager_,
+                                                                      registration->name.c_str(), nullptr);
+    }
+    webkit_web_view_stop_loading(view_);
+    g_object_unref(view_);
+    g_object_unref(contentManager_);
+    g_object_unref(cancellable_);
+}
+
+bool WebKitGtkPage::registerScriptMessageHandler(const std::string& name) {
+    for (const auto& registration : registrations_) {
+        if (registration->name == name) {
+            return false;
+        }
+    }
+    auto registration = std::make_unique<Registration>(Registration{this, name, 0});
+    // Connect before registering, so no message can arrive unheard.
+    const std::string signal = "script-message-received::" + name;
+    registration->handler =
+        g_signal_connect(contentManager_, signal.c_str(), G_CALLBACK(onScriptMessage), registration.get());
+    if (!webkit_user_content_manager_register_script_message_handler(contentManager_, name.c_str(),
+                                                                     nullptr)) {
+        g_signal_handler_disconnect(contentManager_, registration->handler);
+        return false;
+    }
+    registrations_.push_back(std::move(registration));
+    return true;
+}
+
+void WebKitGtkPage::setCustomUserAgent(const std::string& userAgent) {
+    webkit_settings_set_user_agent(webkit_web_view_get_settings(view_),
+                                   userAgent.empty() ? nullptr : userAgent.c_str());
+}
+
+std::string WebKitGtkPage::userAgent() const {
+    const char* agent = webkit_settings_get_user_agent(webkit_web_view_get_settings(view_));
+    return agent ? agent : "";
+}
+
+void WebKitGtkPage::load(const URLRequest& request) {
+    cancelLoadTimeout();
+    stopping_ = false;
+    WebKitURIRequest* uriRequest = webkit_uri_request_new(request.url.c_str());
+    webkit_web_view_load_request(view_, uriRequest);
+    g_object_unref(uriRequest);
+    if (request.timeoutInterval > 0) {
+        // WebKit has no per-request timeout: stop the load ourselves if nothing arrived in time.
+        const auto ms = static_cast<guint>(std::lround(request.timeoutInterval * 1000.0));
+        loadTimeout_ = g_timeout_add(ms, onLoadTimeout, this);
+    }
+}
+
+bool WebKitGtkPage::canGoBack() const {
+    return webkit_web_view_can_go_back(view_);
+}
+
+void WebKitGtkPage::goBack() {
+    if (canGoBack()) {
+        cancelLoadTimeout();
+        stopping_ = false;
+        webkit_web_view_go_back(view_);
+    }
+}
+
+std::string WebKitGtkPage::url() const {
+    const char* uri = webkit_web_view_get_uri(view_);
+    return uri ? uri : "";
+}
+
+void WebKitGtkPage::evaluateJavaScript(const std::string& script, ScriptCompletion completion) {
+    auto* pending = new PendingScript{std::move(completion)};
+    webkit_web_view_evaluate_javascript(view_, script.data(), static_cast<gssize>(script.size()), nullptr,
+                                        nullptr, cancellable_, onScriptFinished, pending);
+}
+
+void WebKitGtkPage::onScriptFinished(GObject* view, GAsyncResult* result, gpointer data) {
+    std::unique_ptr<PendingScript> pending(static_cast<PendingScript*>(data));
+    GError* error = nullptr;
+    JSCValue* value = webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(view), result, &error);
+    if (error != nullptr) {
+        const bool cancelled = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED);
+        WebError failure{cancelled ? WebError::Kind::Cancelled : WebError::Kind::JavaScript, error->message};
+        g_error_free(error);
+        if (pending->completion) {
+            pending->completion(Value(), failure);
+        }
+        return;
+    }
+    Value converted = valueFromJavaScript(value);
+    g_object_unref(value);
+    if (pending->completion) {
+        pending->completion(converted, std::nullopt);
+    }
+}
+
+void WebKitGtkPage::onLoadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer self) {
+    auto* page = static_cast<WebKitGtkPage*>(self);
+    switch (event) {
+        case WEBKIT_LOAD_STARTED:
+            page->failed_ = false;
+            if (page->callbacks_.started) {
+                page->callbacks_.started();
+            }
+            break;
+        case WEBKIT_LOAD_REDIRECTED:
+            break;
+        case WEBKIT_LOAD_COMMITTED:
+            page->cancelLoadTimeout();
+            if (page->callbacks_.committed) {
+                page->callbacks_.committed();
+            }
+            break;
+        case WEBKIT_LOAD_FINISHED:
+            page->cancelLoadTimeout();
+            if (page->failed_ || page->stopping_) {
+                // WebKit closes a failed load with "finished" too; the failure was already reported.
+                page->failed_ = false;
+                page->stopping_ = false;
+            } else if (page->callbacks_.finished) {
+                page->callbacks_.finished();
+            }
+            break;
+    }
+}
+
+gboolean WebKitGtkPage::onLoadFailed(WebKitWebView*, WebKitLoadEvent, char*, GError* error, gpointer self) {
+    auto* page = static_cast<WebKitGtkPage*>(self);
+    page->cancelLoadTimeout();
+    page->failed_ = true;
+    if (!page->stopping_ && page->callbacks_.failed) {
+        page->callbacks_.failed(errorFrom(error));
+    }
+    return TRUE;  // handled: no WebKit error page
+}
+
+void WebKitGtkPage::onScriptMessage(WebKitUserContentManager*, JSCValue* body, gpointer data) {
+    auto* registration = static_cast<Registration*>(data);
+    auto& callbacks = registration->page->callbacks_;
+    if (callbacks.scriptMessage) {
+        callbacks.scriptMessage(registration->name, valueFromJavaScript(body));
+    }
+}
+
+gboolean WebKitGtkPage::onLoadTimeout(gpointer self) {
+    auto* page = static_cast<WebKitGtkPage*>(self);
+    page->loadTimeout_ = 0;
+    // A load stopped before WebKit started it ends silently, one stopped later ends as "cancelled":
+    // report the timeout ourselves and swallow whatever the stop produces.
+    page->stopping_ = true;
+    webkit_web_view_stop_loading(page->view_);
+    if (page->callbacks_.failed) {
+        page->callbacks_.failed(WebError{WebError::Kind::TimedOut, "The request timed out."});
+    }
+    return G_SOURCE_REMOVE;
+}
+
+void WebKitGtkPage::cancelLoadTimeout() {
+    if (loadTimeout_ != 0) {
+        g_source_remove(loadTimeout_);
+        loadTimeout_ = 0;
+    }
+}
+
+WebError WebKitGtkPage::errorFrom(const GError* error) {
+    const std::string message = error ? error->message : "";
+    if (error == nullptr) {
+        return {WebError::Kind::Page, message};
+    }
+    const bool cancelled = g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) ||
+                           g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED);
+    if (cancelled) {
+        return {WebError::Kind::Cancelled, message};
+    }
+    if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT)) {
+        return {WebError::Kind::TimedOut, message};
+    }
+    if (error->domain == WEBKIT_NETWORK_ERROR || error->domain == G_IO_ERROR ||
+        error->domain == G_RESOLVER_ERROR || error->domain == G_TLS_ERROR) {
+        return {WebError::Kind::Network, message};
+    }
+    return {WebError::Kind::Page, message};
+}
+
+}  // namespace ovix::platform::webkitgtk
