@@ -44,6 +44,7 @@ class Label : public View {
     void setPreferredMaxLayoutWidth(double width);
 
     Size intrinsicContentSize() const override;
+    Size intrinsicContentSizeForWidth(double width) const override;
     Size sizeThatFits(Size size) const override;
     std::string className() const override { return "Label"; }
     std::string debugName() const override;

@@ -9,7 +9,7 @@ namespace ovix::kit {
 
 /// Recognises a drag: begins once the touch has moved `hysteresis` points from where it began,
 /// then reports `changed` on every move and `ended` when lifted (`cancelled` when the touch is).
-/// `location` is the current touch; `translation` is measured from where the pan began.
+/// `location` is the current touch; `translation` is measured from where the touch began.
 class PanGestureRecognizer : public GestureRecognizer {
   public:
     static constexpr double hysteresis = 10;
@@ -17,7 +17,7 @@ class PanGestureRecognizer : public GestureRecognizer {
     static std::shared_ptr<PanGestureRecognizer> create(
         std::function<void(PanGestureRecognizer&)> action = {});
 
-    /// Movement since the pan began (or since the last `setTranslation`), in `view`'s coordinate
+    /// Movement since the touch began (or since the last `setTranslation`), in `view`'s coordinate
     /// scale (views here are not transformed, so the same in every view).
     Point translation(const View* in) const;
     void setTranslation(Point translation, const View* in);

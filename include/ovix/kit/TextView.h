@@ -51,7 +51,8 @@ class TextView : public ScrollView {
     void deleteBackward() override;
     void touchesEnded(const Touch& touch) override;
 
-    Size intrinsicContentSize() const override;
+    Size intrinsicContentSize() const override { return intrinsicContentSizeForWidth(bounds().size.width); }
+    Size intrinsicContentSizeForWidth(double width) const override;
     std::string className() const override { return "TextView"; }
 
   protected:

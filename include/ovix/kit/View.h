@@ -203,6 +203,12 @@ class View : public LayoutItem {
 
     /// The natural size of the content; `noIntrinsicMetric` in a dimension that has none.
     virtual Size intrinsicContentSize() const { return {noIntrinsicMetric, noIntrinsicMetric}; }
+    /// The intrinsic size if the view were `width` wide (wrapping text grows taller when narrower);
+    /// the default ignores the width.
+    virtual Size intrinsicContentSizeForWidth(double width) const {
+        (void)width;
+        return intrinsicContentSize();
+    }
     /// Tells the layout pass that `intrinsicContentSize` changed.
     void invalidateIntrinsicContentSize();
     float contentHuggingPriority(LayoutAxis axis) const;

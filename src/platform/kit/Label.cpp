@@ -49,6 +49,10 @@ Size Label::intrinsicContentSize() const {
     return measure(wrap);
 }
 
+Size Label::intrinsicContentSizeForWidth(double width) const {
+    return measure(preferredMaxLayoutWidth_ > 0 ? preferredMaxLayoutWidth_ : width);
+}
+
 Size Label::sizeThatFits(Size size) const {
     return measure(size.width);
 }

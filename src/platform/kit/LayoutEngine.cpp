@@ -100,7 +100,23 @@ void LayoutEngine::layoutTree(View& root) {
 Size LayoutEngine::fittingSize(View& view, Size target, float horizontalPriority, float verticalPriority) {
     LayoutEngine engine;
     Fitting fitting{target, horizontalPriority, verticalPriority};
-    engine.sync(view, &fitting);
+    // Wrapping text is as tall as the width it gets: measure again at the solved widths until they
+    // settle (a few rounds at most).
+    for (int round = 0; round < 4; ++round) {
+        auto views = engine.sync(view, &fitting);
+        bool moved = false;
+        for (auto& v : views) {
+            double width = engine.variablesFor(v).width.value();
+            auto [it, inserted] = engine.proposedWidth_.try_emplace(v.get(), width);
+            if (inserted || std::fabs(it->second - width) > 1e-9) {
+                it->second = width;
+                moved = true;
+            }
+        }
+        if (!moved) {
+            break;
+        }
+    }
     auto& v = engine.variablesFor(view.self<View>());
     return {snap(v.width.value()), snap(v.height.value())};
 }
@@ -416,7 +432,10 @@ std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting*
         }
         if (vp != &root || fitting) {
             if (!view->translatesAutoresizingMaskIntoConstraints() || (vp == &root && fitting)) {
-                Size ics = view->intrinsicContentSize();
+                auto proposed = proposedWidth_.find(vp);
+                Size ics = proposed == proposedWidth_.end()
+                               ? view->intrinsicContentSize()
+                               : view->intrinsicContentSizeForWidth(proposed->second);
                 if (ics.width != View::noIntrinsicMetric) {
                     generate(keyOf(vp, "ics.w.min"), v.width - ics.width, layout::Relation::GreaterOrEqual,
                              priority(view->contentCompressionResistancePriority(LayoutAxis::horizontal)),

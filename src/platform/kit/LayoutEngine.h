@@ -88,6 +88,8 @@ class LayoutEngine {
     std::unordered_map<std::string, GeneratedEntry> generated_;
     std::vector<std::string> generatedOrder_;  // this pass's keys, in generation order
     bool rebuildNeeded_ = false;
+    /// Widths to size wrapping content at while measuring (`fittingSize` iterates on them).
+    std::unordered_map<const View*, double> proposedWidth_;
 
     friend class View;
 };

@@ -57,7 +57,7 @@ void PanGestureRecognizer::touchMoved(const Touch& touch) {
     switch (state()) {
         case GestureRecognizerState::possible:
             if (distance(touch.windowLocation, touch.startLocation) >= hysteresis) {
-                origin_ = touch.windowLocation;
+                origin_ = touch.startLocation;
                 setState(GestureRecognizerState::began);
             }
             break;

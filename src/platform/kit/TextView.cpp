@@ -39,11 +39,11 @@ void TextView::setScrollEnabled(bool enabled) {
     invalidateIntrinsicContentSize();
 }
 
-Size TextView::intrinsicContentSize() const {
+Size TextView::intrinsicContentSizeForWidth(double width) const {
     if (isScrollEnabled()) {
         return {noIntrinsicMetric, noIntrinsicMetric};
     }
-    double wrap = bounds().size.width - inset_.left - inset_.right - 2 * linePadding;
+    double wrap = width - inset_.left - inset_.right - 2 * linePadding;
     Size text = TextMeasurer::current().measure(text_, font_, wrap > 0 ? wrap : 0, 0);
     // An empty view, or one ending in a line feed, still shows a line for the caret.
     double lines = std::max(text.height, font_.lineHeight());
