@@ -93,7 +93,8 @@ TEST_F(Core, ListenerReleasedOnOneThreadWhileAnotherRaises) {
             ++raised;
         }
     });
-    for (int round = 0; round < 200; ++round) {
+    // Keep swapping until the raiser has demonstrably run alongside (a loaded machine may start it late).
+    for (int round = 0; round < 200 || raised.load() < 200; ++round) {
         auto listener = std::make_shared<RecordingListener>();
         core.setListener(listener);
         std::this_thread::yield();
