@@ -64,11 +64,11 @@ TEST_F(PurchaseFlowTest, TheFirstCallOnlyLoadsAndTheSecondAsksThenBuys) {
 
     await(OvixCore::shared().purchaseProduct("gems"));
     EXPECT_EQ(listener_->names(), std::vector<std::string>{"OvixBillingConnected"});
-    EXPECT_EQ(server_.requestCount(), 0u);
+    EXPECT_EQ(server_.requests().size(), 0u);
     EXPECT_TRUE(headless_.sandboxStore->purchaseRequests().empty());
 
     await(OvixCore::shared().purchaseProduct("gems"));
-    ASSERT_EQ(server_.requestCount(), 1u);
+    ASSERT_EQ(server_.requests().size(), 1u);
     EXPECT_EQ(server_.requests()[0].target, "/billing/check?productId=gems");
     auto received = listener_->received();
     ASSERT_EQ(received.size(), 2u);
@@ -113,10 +113,11 @@ TEST_F(PurchaseFlowTest, ARefusalOrAFailedCheckShowsItsAlertAndNeverReachesTheSt
         EXPECT_EQ(alert->actions()[0]->title(), "OK");
         EXPECT_EQ(alert->actions()[0]->style(), kit::AlertActionStyle::defaultStyle);
         EXPECT_FALSE(alert->actions()[0]->hasHandler());
+        headless_.mainQueue->advance(kit::ViewController::transitionDuration);  // let the fade-in end
     }
     EXPECT_TRUE(listener_->received().empty());
     EXPECT_TRUE(headless_.sandboxStore->purchaseRequests().empty());
-    EXPECT_EQ(server_.requestCount(), 3u);
+    EXPECT_EQ(server_.requests().size(), 3u);
 }
 
 TEST_F(PurchaseFlowTest, OnlyTheFirstScenesFirstWindowsRootMayShowTheAlert) {
@@ -153,7 +154,7 @@ TEST_F(PurchaseFlowTest, OnlyTheFirstScenesFirstWindowsRootMayShowTheAlert) {
     refuse();
 
     EXPECT_TRUE(listener_->received().empty());
-    EXPECT_EQ(server_.requestCount(), 3u);
+    EXPECT_EQ(server_.requests().size(), 3u);
 }
 
 TEST_F(PurchaseFlowTest, RestoreReturnsBeforeTheStoreAnswers) {
