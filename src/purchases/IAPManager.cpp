@@ -36,18 +36,18 @@ void IAPManager::raiseBillingError(const std::string& text) {
 }
 
 std::future<void> IAPManager::fetchProducts(std::vector<std::string> productIds) {
-    auto platform = platform::current();
+    auto services = platform::current();
     auto done = newPromise();
-    platform->store->products(productIds, [this, platform, done](platform::Store::ProductsResult result) {
-        fetched(*platform, std::move(result));
+    services->store->products(productIds, [this, services, done](platform::Store::ProductsResult result) {
+        fetched(*services, std::move(result));
         done->set_value();
     });
     return done->get_future();
 }
 
-void IAPManager::fetched(const platform::Platform& platform, platform::Store::ProductsResult result) {
+void IAPManager::fetched(const platform::Platform& services, platform::Store::ProductsResult result) {
     if (auto* error = std::get_if<platform::StoreError>(&result)) {
-        platform.console->printLine("❌ Failed to fetch products: " + error->description);
+        services.console->printLine("❌ Failed to fetch products: " + error->description);
         raiseBillingError(error->localizedDescription);
         return;
     }
@@ -82,18 +82,18 @@ std::future<void> IAPManager::purchase(std::string productId) {
         done->set_value();
         return future;
     }
-    auto platform = platform::current();
-    platform->store->purchase(*product, [platform, done](platform::Store::PurchaseResult result) {
-        purchased(platform, std::move(result), done);
+    auto services = platform::current();
+    services->store->purchase(*product, [services, done](platform::Store::PurchaseResult result) {
+        purchased(services, std::move(result), done);
     });
     return future;
 }
 
-void IAPManager::purchased(const std::shared_ptr<platform::Platform>& platform,
+void IAPManager::purchased(const std::shared_ptr<platform::Platform>& services,
                            platform::Store::PurchaseResult result, const Done& done) {
     using Kind = platform::PurchaseOutcome::Kind;
     if (auto* error = std::get_if<platform::StoreError>(&result)) {
-        platform->console->printLine("❌ Purchase failed: " + error->localizedDescription);
+        services->console->printLine("❌ Purchase failed: " + error->localizedDescription);
         raiseBillingError(error->localizedDescription);
         done->set_value();
         return;
@@ -106,12 +106,12 @@ void IAPManager::purchased(const std::shared_ptr<platform::Platform>& platform,
             }
             const auto& verification = *outcome.verification;
             if (verification.verified()) {
-                handleVerifiedTransaction(platform, verification.transaction, false,
+                handleVerifiedTransaction(services, verification.transaction, false,
                                           [done] { done->set_value(); });
                 return;
             }
             const auto& text = verification.verificationError->localizedDescription;
-            platform->console->printLine("⚠️ Unverified purchase: " + text);
+            services->console->printLine("⚠️ Unverified purchase: " + text);
             raiseBillingError(text);
             break;
         }
@@ -128,39 +128,39 @@ void IAPManager::purchased(const std::shared_ptr<platform::Platform>& platform,
 }
 
 std::future<void> IAPManager::restorePurchases() {
-    auto platform = platform::current();
+    auto services = platform::current();
     auto done = newPromise();
-    restoreNext(platform, platform->store->currentEntitlements(), done);
+    restoreNext(services, services->store->currentEntitlements(), done);
     return done->get_future();
 }
 
-void IAPManager::restoreNext(const std::shared_ptr<platform::Platform>& platform,
+void IAPManager::restoreNext(const std::shared_ptr<platform::Platform>& services,
                              const std::shared_ptr<platform::EntitlementSequence>& sequence,
                              const Done& done) {
-    sequence->next([platform, sequence, done](std::optional<platform::VerificationResult> element) {
+    sequence->next([services, sequence, done](std::optional<platform::VerificationResult> element) {
         if (!element) {
             done->set_value();
             return;
         }
         if (element->verified()) {
-            handleVerifiedTransaction(platform, element->transaction, true,
-                                      [platform, sequence, done] { restoreNext(platform, sequence, done); });
+            handleVerifiedTransaction(services, element->transaction, true,
+                                      [services, sequence, done] { restoreNext(services, sequence, done); });
             return;
         }
         const auto& text = element->verificationError->localizedDescription;
-        platform->console->printLine("⚠️ Unverified restore: " + text);
+        services->console->printLine("⚠️ Unverified restore: " + text);
         raiseBillingError(text);
-        restoreNext(platform, sequence, done);
+        restoreNext(services, sequence, done);
     });
 }
 
-void IAPManager::handleVerifiedTransaction(const std::shared_ptr<platform::Platform>& platform,
+void IAPManager::handleVerifiedTransaction(const std::shared_ptr<platform::Platform>& services,
                                            const platform::StoreTransaction& transaction, bool isRestore,
                                            std::function<void()> then) {
     OvixCore::shared().raise(isRestore ? OvixEvents::PURCHASES_RESTORED : OvixEvents::PURCHASE_UPDATED,
                              transactionPayload(transaction));
     // Only after the listener had it: a crash in between means the store offers it again.
-    platform->store->finish(transaction, std::move(then));
+    services->store->finish(transaction, std::move(then));
 }
 
 }  // namespace ovix

@@ -50,14 +50,14 @@ class IAPManager {
 
     using Done = std::shared_ptr<std::promise<void>>;
 
-    void fetched(const platform::Platform& platform, platform::Store::ProductsResult result);
-    static void purchased(const std::shared_ptr<platform::Platform>& platform,
+    void fetched(const platform::Platform& services, platform::Store::ProductsResult result);
+    static void purchased(const std::shared_ptr<platform::Platform>& services,
                           platform::Store::PurchaseResult result, const Done& done);
-    static void restoreNext(const std::shared_ptr<platform::Platform>& platform,
+    static void restoreNext(const std::shared_ptr<platform::Platform>& services,
                             const std::shared_ptr<platform::EntitlementSequence>& sequence, const Done& done);
     /// Raises the purchase event for a verified transaction, then finishes it; `then` runs once the
     /// store took note.
-    static void handleVerifiedTransaction(const std::shared_ptr<platform::Platform>& platform,
+    static void handleVerifiedTransaction(const std::shared_ptr<platform::Platform>& services,
                                           const platform::StoreTransaction& transaction, bool isRestore,
                                           std::function<void()> then);
     static void raiseBillingError(const std::string& text);

@@ -291,15 +291,6 @@ TEST(SandboxStoreEntitlements, ASequenceIsASnapshotThatStaysEnded) {
     EXPECT_TRUE(drain(*store.currentEntitlements()).empty());
 }
 
-TEST(SandboxStoreFinish, RecordsEachFinishedTransactionBeforeCompleting) {
-    SandboxStore store;
-    std::promise<std::vector<std::uint64_t>> seen;
-    auto future = seen.get_future();
-    store.finish({"a", 5, at(0)}, [] {});
-    store.finish({"b", 3, at(0)}, [&] { seen.set_value(store.finishedTransactionIds()); });
-    EXPECT_EQ(await(future), (std::vector<std::uint64_t>{5, 3}));
-}
-
 TEST(SandboxStoreDelivery, CompletionsRunInCallOrderAndDestructionDeliversWhatIsWaiting) {
     std::vector<int> order;
     {
