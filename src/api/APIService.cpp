@@ -93,6 +93,21 @@ std::optional<std::vector<Dictionary>> dataItems(const std::optional<Dictionary>
 
 }  // namespace
 
+// Completes with nil at once when there is no request to send, otherwise with what `extract` makes
+// of the parsed envelope.
+template <typename T, typename Extract>
+void APIService::sendBuilt(std::optional<HttpRequest> request,
+                           std::function<void(std::optional<T>)> completion, Extract extract) {
+    if (!request) {
+        completion(std::nullopt);
+        return;
+    }
+    sendAndParse(std::move(*request),
+                 [completion = std::move(completion), extract](std::optional<Dictionary> envelope) {
+                     completion(extract(envelope));
+                 });
+}
+
 void APIService::sendAndParse(HttpRequest request, DictionaryCompletion completion) {
     auto p = platform::current();
     request.maxResponseBytes = maxResponseBytes;
@@ -121,27 +136,11 @@ void APIService::sendAndParse(HttpRequest request, DictionaryCompletion completi
 }
 
 void APIService::getUserInfo(DictionaryCompletion completion) {
-    auto request = APIRequest::userInfo();
-    if (!request) {
-        completion(std::nullopt);
-        return;
-    }
-    sendAndParse(std::move(*request),
-                 [completion = std::move(completion)](std::optional<Dictionary> envelope) {
-                     completion(dataObject(envelope));
-                 });
+    sendBuilt(APIRequest::userInfo(), std::move(completion), &dataObject);
 }
 
 void APIService::loadNews(ItemsCompletion completion) {
-    auto request = APIRequest::newsFeed();
-    if (!request) {
-        completion(std::nullopt);
-        return;
-    }
-    sendAndParse(std::move(*request),
-                 [completion = std::move(completion)](std::optional<Dictionary> envelope) {
-                     completion(dataItems(envelope));
-                 });
+    sendBuilt(APIRequest::newsFeed(), std::move(completion), &dataItems);
 }
 
 std::future<std::optional<UserEligibilityResponse>> APIService::checkEligibility(
@@ -187,12 +186,8 @@ std::future<std::optional<UserEligibilityResponse>> APIService::checkEligibility
 }
 
 void APIService::uploadImage(const platform::RgbaImage& picture, DictionaryCompletion completion) {
-    auto request = APIRequest::imageUpload(picture);
-    if (!request) {
-        completion(std::nullopt);
-        return;
-    }
-    sendAndParse(std::move(*request), std::move(completion));
+    sendBuilt(APIRequest::imageUpload(picture), std::move(completion),
+              [](const std::optional<Dictionary>& envelope) { return envelope; });
 }
 
 }  // namespace ovix

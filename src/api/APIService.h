@@ -57,6 +57,11 @@ class APIService {
     /// cannot be encoded or the URL is invalid, completes with nil at once, on the calling thread,
     /// and sends nothing.
     static void uploadImage(const platform::RgbaImage& picture, DictionaryCompletion completion);
+
+  private:
+    template <typename T, typename Extract>
+    static void sendBuilt(std::optional<platform::HttpRequest> request,
+                          std::function<void(std::optional<T>)> completion, Extract extract);
 };
 
 }  // namespace ovix

@@ -7,105 +7,97 @@
 namespace {
 
 using ovix::Dictionary;
-using ovix::OvixCore;
 using ovix::Value;
 using ovix::platform::HttpRequest;
-using ovix::platform::HttpResponse;
 using ovix::platform::HttpResult;
 using ovix::test::LoopbackServer;
-using ovix::test::Outcome;
+using ::testing::ElementsAre;
 using ::testing::UnorderedElementsAre;
 
 using Result = std::optional<Dictionary>;
 
 class SendAndParse : public ovix::test::ApiTest {
   protected:
-    Result sendAndParse(const std::string& path) {
+    Result send(const std::string& path) {
         HttpRequest request;
         request.url = server.baseUrl() + path;
-        Outcome<Result> outcome;
-        ovix::APIService::sendAndParse(std::move(request), outcome.completion());
-        outcome.markReturned();
-        return outcome.get();
+        return ovix::test::Outcome<Result>().run(
+            [&](auto done) { ovix::APIService::sendAndParse(request, done); });
     }
 };
 
-TEST_F(SendAndParse, SuccessIsTwoHundredThroughTwoNinetyNine) {
-    server.on("/200", LoopbackServer::Reply{200, R"({"a":1})"});
-    server.on("/299", LoopbackServer::Reply{299, R"({"b":"x"})"});
-    server.on("/300", LoopbackServer::Reply{300, R"({"c":true})"});
-    server.on("/404", LoopbackServer::Reply{404, R"({"d":null})"});
-
-    EXPECT_EQ(sendAndParse("/200"), (Dictionary{{"a", Value(1u)}}));
-    EXPECT_EQ(sendAndParse("/299"), (Dictionary{{"b", Value("x")}}));
-    EXPECT_EQ(sendAndParse("/300"), std::nullopt);
-    EXPECT_EQ(sendAndParse("/404"), std::nullopt);
-
-    // Every body is printed; failures add the status line after it.
-    EXPECT_EQ(headless.console->lines(),
-              (std::vector<std::string>{R"({"a":1})", R"({"b":"x"})", R"({"c":true})", "❌ HTTP error: 300",
-                                        R"({"d":null})", "❌ HTTP error: 404"}));
+TEST_F(SendAndParse, AnObjectWithA2xxStatusIsTheResultAndEveryUtf8BodyIsPrinted) {
+    const std::pair<const char*, LoopbackServer::Reply> replies[] = {
+        {"/200", {200, R"({"a":1})"}},
+        {"/299", {299, R"({"b":"Nguyễn"})"}},
+        {"/300", {300, R"({"c":true})"}},
+        {"/404", {404, "{}"}},
+        {"/text", {200, "not json", "text/plain"}},
+        {"/array", {200, "[1,2]"}},
+        {"/empty", {200, ""}},
+        {"/latin1", {200, "{\"n\":\"Nguy\xe1n\"}"}},
+    };
+    for (const auto& [path, reply] : replies) {
+        server.on(path, reply);
+    }
+    EXPECT_EQ(send("/200"), (Dictionary{{"a", Value(1u)}}));
+    EXPECT_EQ(send("/299"), (Dictionary{{"b", Value("Nguyễn")}}));
+    for (const char* path : {"/300", "/404", "/text", "/array", "/empty", "/latin1"}) {
+        EXPECT_EQ(send(path), std::nullopt) << path;
+    }
+    EXPECT_THAT(headless.console->lines(),
+                ElementsAre(R"({"a":1})", R"({"b":"Nguyễn"})", R"({"c":true})", "❌ HTTP error: 300", "{}",
+                            "❌ HTTP error: 404", "not json", "[1,2]", ""))
+        << "the body that is not UTF-8 is not printed";
 }
 
-TEST_F(SendAndParse, StatusBelowTwoHundredIsAFailure) {
-    // On the wire a 1xx status is never final, so a transport that reports one is scripted.
-    auto scripted = std::make_shared<ovix::test::ScriptedHttpClient>(
-        HttpResult{HttpResponse{199, {}, R"({"a":1})"}, std::nullopt});
-    headless.platform->http = scripted;
-    EXPECT_EQ(sendAndParse("/any"), std::nullopt);
-    EXPECT_TRUE(headless.console->hasLine("❌ HTTP error: 199"));
-    ASSERT_EQ(scripted->requests().size(), 1u);
-    EXPECT_EQ(scripted->requests()[0].maxResponseBytes, std::size_t{32} << 20) << "the stated body cap";
-}
+// A final status below 200 cannot come over the wire (1xx are interim there); a transport may still
+// report one.
+class Status199 : public ovix::platform::HttpClient {
+  public:
+    void send(HttpRequest request, Completion completion) override {
+        maxResponseBytes = request.maxResponseBytes;
+        std::thread([completion] {
+            completion(HttpResult{ovix::platform::HttpResponse{199, {}, "{}"}, {}});
+        }).join();
+    }
+    std::size_t maxResponseBytes = 0;
+};
 
-TEST_F(SendAndParse, OnlyAJsonObjectIsAResult) {
-    server.on("/text", LoopbackServer::Reply{200, "not json", "text/plain"});
-    server.on("/array", LoopbackServer::Reply{200, "[1,2]"});
-    server.on("/number", LoopbackServer::Reply{200, "42"});
-    server.on("/empty", LoopbackServer::Reply{200, ""});
-    server.on("/latin1", LoopbackServer::Reply{200, "{\"name\":\"Nguy\xe1n\"}"});
-    server.on("/utf8", LoopbackServer::Reply{200, R"({"name":"Nguyễn"})"});
-
-    EXPECT_EQ(sendAndParse("/text"), std::nullopt);
-    EXPECT_EQ(sendAndParse("/array"), std::nullopt);
-    EXPECT_EQ(sendAndParse("/number"), std::nullopt);
-    EXPECT_EQ(sendAndParse("/empty"), std::nullopt);
-    EXPECT_EQ(sendAndParse("/latin1"), std::nullopt);
-    EXPECT_EQ(sendAndParse("/utf8"), (Dictionary{{"name", Value("Nguyễn")}}));
-
-    // The body that is not UTF-8 is the one not printed.
-    EXPECT_EQ(headless.console->lines(),
-              (std::vector<std::string>{"not json", "[1,2]", "42", "", R"({"name":"Nguyễn"})"}));
-}
-
-TEST_F(SendAndParse, TransportFailuresAreNilWithoutALine) {
+TEST_F(SendAndParse, BelowTwoHundredAndTransportFailuresAreNil) {
     server.on("/stall", LoopbackServer::Reply{200, "", "text/plain", true});
-    EXPECT_EQ(sendAndParse("/stall"), std::nullopt);
-    EXPECT_TRUE(headless.console->lines().empty());
+    EXPECT_EQ(send("/stall"), std::nullopt);
+    EXPECT_THAT(headless.console->lines(), ::testing::IsEmpty()) << "a transport failure prints nothing";
+
+    auto scripted = std::make_shared<Status199>();
+    headless.platform->http = scripted;
+    EXPECT_EQ(send("/any"), std::nullopt);
+    EXPECT_TRUE(headless.console->hasLine("❌ HTTP error: 199"));
+    EXPECT_EQ(scripted->maxResponseBytes, std::size_t{32} << 20) << "the stated body cap";
 }
 
 class UserInfo : public ovix::test::ApiTest {
   protected:
     static constexpr const char* kPath = "/auth-connect/api/v2.0/oauth2/auth/userinfo";
-
-    Result getUserInfo(Outcome<Result>& outcome) {
-        OvixCore::shared().getUserInfo(outcome.completion());
-        outcome.markReturned();
-        return outcome.get();
+    Result get(ovix::test::Outcome<Result>& outcome) {
+        return outcome.run([](auto done) { ovix::OvixCore::shared().getUserInfo(done); });
+    }
+    Result get() {
+        ovix::test::Outcome<Result> outcome;
+        return get(outcome);
     }
 };
 
-TEST_F(UserInfo, SendsTheTokenAndClientIdAndHandsBackData) {
+TEST_F(UserInfo, SendsTokenAndClientIdAndHandsBackDataOnTheTransportThread) {
     server.on(kPath,
               LoopbackServer::Reply{200, R"({"Code":0,"Data":{"username":"an","gender":1,"dob":null}})"});
-    signIn("tok-123", "game-7");
+    store("ovix_token", "tok-123");
+    store("ovix_client_id", "game-7");
+    ovix::test::Outcome<Result> outcome;
+    EXPECT_EQ(get(outcome), (Dictionary{{"username", Value("an")}, {"gender", Value(1u)}, {"dob", Value()}}));
+    EXPECT_FALSE(outcome.ranInline);
+    EXPECT_NE(outcome.thread, std::this_thread::get_id());
 
-    Outcome<Result> outcome;
-    auto user = getUserInfo(outcome);
-
-    EXPECT_EQ(user, (Dictionary{{"username", Value("an")}, {"gender", Value(1u)}, {"dob", Value()}}));
-    EXPECT_FALSE(outcome.ranInline());
-    EXPECT_NE(outcome.thread(), std::this_thread::get_id()) << "the transport's thread, not the caller's";
     auto seen = server.requests();
     ASSERT_EQ(seen.size(), 1u);
     EXPECT_EQ(seen[0].method, "GET");
@@ -116,46 +108,38 @@ TEST_F(UserInfo, SendsTheTokenAndClientIdAndHandsBackData) {
     EXPECT_EQ(seen[0].header("ClientID"), "game-7");
 }
 
-TEST_F(UserInfo, LeavesClientIdOutWhenNoneIsStored) {
+TEST_F(UserInfo, ClientIdHeaderIsLeftOutWhenTheIdIsEmptyOrMissing) {
     server.on(kPath, LoopbackServer::Reply{200, R"({"Data":{}})"});
-    signIn("tok", "");
-    Outcome<Result> stored;
-    EXPECT_EQ(getUserInfo(stored), Dictionary{});
+    store("ovix_token", "tok");
+    store("ovix_client_id", "");
+    EXPECT_EQ(get(), Dictionary{});
     headless.store->remove("ovix_client_id");
-    Outcome<Result> missing;
-    EXPECT_EQ(getUserInfo(missing), Dictionary{});
-
-    auto seen = server.requests();
-    ASSERT_EQ(seen.size(), 2u);
-    for (const auto& request : seen) {
+    EXPECT_EQ(get(), Dictionary{});
+    for (const auto& request : server.requests()) {
         EXPECT_THAT(request.headerNames(), UnorderedElementsAre("content-type", "authorization"));
     }
+    EXPECT_EQ(server.requests().size(), 2u);
 }
 
 TEST_F(UserInfo, WithoutATokenIsNilAtOnceAndSendsNothing) {
-    headless.store->setString("ovix_client_id", "game-7");
-    Outcome<Result> missing;
-    EXPECT_EQ(getUserInfo(missing), std::nullopt);
-    EXPECT_TRUE(missing.ranInline());
-    headless.store->setString("ovix_token", "");
-    Outcome<Result> empty;
-    EXPECT_EQ(getUserInfo(empty), std::nullopt);
-    EXPECT_TRUE(empty.ranInline());
-    EXPECT_EQ(http->sent(), 0);
+    store("ovix_client_id", "game-7");
+    ovix::test::Outcome<Result> missing;
+    EXPECT_EQ(get(missing), std::nullopt);
+    store("ovix_token", "");
+    ovix::test::Outcome<Result> empty;
+    EXPECT_EQ(get(empty), std::nullopt);
+    EXPECT_TRUE(missing.ranInline && empty.ranInline);
+    EXPECT_EQ(http->sent, 0);
 }
 
 TEST_F(UserInfo, AnythingButAnObjectUnderDataIsNil) {
-    signIn("tok", "game");
-    for (const char* body :
-         {R"({"Data":null})", R"({"Data":[{"a":1}]})", R"({"Data":"x"})", R"({"data":{}})", "{}"}) {
+    store("ovix_token", "tok");
+    for (const char* body : {R"({"Data":null})", R"({"Data":[{"a":1}]})", R"({"data":{}})", "[]"}) {
         server.on(kPath, LoopbackServer::Reply{200, body});
-        Outcome<Result> outcome;
-        EXPECT_EQ(getUserInfo(outcome), std::nullopt) << body;
+        EXPECT_EQ(get(), std::nullopt) << body;
     }
     server.on(kPath, LoopbackServer::Reply{401, R"({"Data":{"username":"an"}})"});
-    Outcome<Result> rejected;
-    EXPECT_EQ(getUserInfo(rejected), std::nullopt);
-    EXPECT_TRUE(headless.console->hasLine("❌ HTTP error: 401"));
+    EXPECT_EQ(get(), std::nullopt);
 }
 
 }  // namespace
