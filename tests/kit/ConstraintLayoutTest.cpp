@@ -204,6 +204,24 @@ TEST_F(ConstraintLayout, SafeAreaGuideFollowsTheWindowInsetsAndRotation) {
     EXPECT_EQ(bar->frame(), (Rect{63, 8, 60, 390 - 21 - 8}));
 }
 
+TEST_F(ConstraintLayout, RepeatingTheSameConstraintsIsHarmless) {
+    auto root = View::create({0, 0, 300, 300});
+    auto card = constrained();
+    root->addSubview(card);
+    for (int round = 0; round < 2; ++round) {  // a rebuild that pins again without removing first
+        LayoutConstraint::activate({
+            card->topAnchor().constraintEqualTo(root->safeAreaLayoutGuide().topAnchor(), 16),
+            card->leadingAnchor().constraintEqualTo(root->leadingAnchor(), 16),
+            card->trailingAnchor().constraintEqualTo(root->trailingAnchor(), -16),
+            card->bottomAnchor().constraintEqualTo(root->safeAreaLayoutGuide().bottomAnchor(), -16),
+        });
+        root->layoutIfNeeded();
+    }
+    EXPECT_EQ(root->constraints().size(), 8u);
+    EXPECT_EQ(card->frame(), (Rect{16, 16, 268, 268}));
+    EXPECT_TRUE(headless.console->lines().empty());
+}
+
 TEST_F(ConstraintLayout, ConstraintsWithoutACommonAncestorStayInactive) {
     auto a = View::create();
     auto b = View::create();

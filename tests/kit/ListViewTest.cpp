@@ -101,6 +101,37 @@ TEST_F(ListViews, ScrollContentGuideSetsTheContentSizeAndDragsStayInside) {
     EXPECT_EQ(scroll->contentOffset(), (kit::Point{0, 656}));
 }
 
+TEST_F(ListViews, EdgesOfAScrollViewTiedToItsContentAreTheContentEdges) {
+    auto root = View::create({0, 0, 200, 120});
+    auto strip = kit::ScrollView::create({0, 0, 200, 120});
+    root->addSubview(strip);
+    std::vector<std::shared_ptr<View>> thumbs;
+    for (int i = 0; i < 3; ++i) {
+        auto thumb = View::create();
+        thumb->setTranslatesAutoresizingMaskIntoConstraints(false);
+        LayoutConstraint::activate({thumb->widthAnchor().constraintEqualToConstant(100),
+                                    thumb->heightAnchor().constraintEqualToConstant(100)});
+        thumbs.push_back(thumb);
+    }
+    auto images = kit::StackView::create(thumbs);
+    images->setSpacing(8);
+    images->setAlignment(kit::StackViewAlignment::center);
+    images->setTranslatesAutoresizingMaskIntoConstraints(false);
+    strip->addSubview(images);
+    LayoutConstraint::activate({
+        images->topAnchor().constraintEqualTo(strip->topAnchor()),
+        images->bottomAnchor().constraintEqualTo(strip->bottomAnchor()),
+        images->leadingAnchor().constraintEqualTo(strip->leadingAnchor()),
+        images->trailingAnchor().constraintEqualTo(strip->trailingAnchor()),
+        images->heightAnchor().constraintEqualTo(strip->heightAnchor()),
+    });
+    root->layoutIfNeeded();
+    EXPECT_EQ(images->frame(), (Rect{0, 0, 316, 120}));
+    EXPECT_EQ(strip->contentSize(), (kit::Size{316, 120}));
+    EXPECT_EQ(thumbs[2]->frame(), (Rect{216, 10, 100, 100}));
+    EXPECT_TRUE(headless.console->lines().empty());
+}
+
 TEST_F(ListViews, TableRowsAreSizedByConstraintsReusedAndSelectedByTap) {
     auto rows = std::make_shared<Rows>();
     rows->items = {"short", "a long title that needs several lines in a narrow table row", "third"};

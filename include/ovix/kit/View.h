@@ -309,7 +309,9 @@ class View : public LayoutItem {
         double begin = 0;
         double duration = 0;
         AnimationCurve curve = AnimationCurve::easeInOut;
-        std::shared_ptr<AnimationGroup> group;
+        /// Weak: the main queue keeps a group alive until it completes, and its completion may hold
+        /// this view's owner.
+        std::weak_ptr<AnimationGroup> group;
     };
 
     void insertAt(std::shared_ptr<View> view, std::size_t index);

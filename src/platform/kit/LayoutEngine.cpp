@@ -4,6 +4,7 @@
 #include <sstream>
 #include <unordered_set>
 
+#include "ovix/kit/ScrollView.h"
 #include "ovix/kit/View.h"
 #include "ovix/platform/Platform.h"
 
@@ -138,6 +139,19 @@ LayoutEngine::ItemVariables& LayoutEngine::variablesFor(const std::shared_ptr<La
     return items_.at(item.get());
 }
 
+std::shared_ptr<LayoutItem> LayoutEngine::resolve(const std::shared_ptr<LayoutItem>& item,
+                                                  LayoutAttribute attribute,
+                                                  const std::shared_ptr<LayoutItem>& other) {
+    auto* scroll = dynamic_cast<ScrollView*>(item.get());
+    bool edge = attribute != LayoutAttribute::width && attribute != LayoutAttribute::height &&
+                attribute != LayoutAttribute::centerX && attribute != LayoutAttribute::centerY;
+    auto otherView = other ? other->layoutView() : nullptr;
+    if (!scroll || !edge || !otherView || otherView.get() == scroll || !otherView->isDescendantOf(*scroll)) {
+        return item;
+    }
+    return scroll->contentLayoutGuide().shared_from_this();
+}
+
 layout::Expression LayoutEngine::expressionFor(const ItemVariables& v, LayoutAttribute attribute) const {
     switch (attribute) {
         case LayoutAttribute::left:
@@ -223,10 +237,13 @@ void LayoutEngine::syncUser(const std::shared_ptr<LayoutConstraint>& c) {
     auto second = c->secondItem();
     double strength = layout::strength::fromPriority(c->priority());
     auto build = [&] {
-        layout::Expression lhs = expressionFor(variablesFor(first), c->firstAttribute());
-        layout::Expression rhs =
-            second ? expressionFor(variablesFor(second), c->secondAttribute()) * c->multiplier()
-                   : layout::Expression(0);
+        auto a = resolve(first, c->firstAttribute(), second);
+        layout::Expression lhs = expressionFor(variablesFor(a), c->firstAttribute());
+        layout::Expression rhs = layout::Expression(0);
+        if (second) {
+            auto b = resolve(second, c->secondAttribute(), first);
+            rhs = expressionFor(variablesFor(b), c->secondAttribute()) * c->multiplier();
+        }
         return layout::Constraint(lhs - rhs - c->constant(), toSolver(c->relation()), strength);
     };
     auto breakIt = [&](UserEntry& e) {
@@ -336,9 +353,9 @@ std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting*
                           (!c->hasSecond_ || (secondView && secondView->isDescendantOf(root)));
             if (inTree) {
                 active.push_back(c);
-                involve(first);
+                involve(resolve(first, c->firstAttribute(), second));
                 if (second) {
-                    involve(second);
+                    involve(resolve(second, c->secondAttribute(), first));
                 }
             }
         }

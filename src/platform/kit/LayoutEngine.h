@@ -72,6 +72,11 @@ class LayoutEngine {
     void writeBack(const std::vector<std::shared_ptr<View>>& views, View& root);
 
     ItemVariables& variablesFor(const std::shared_ptr<LayoutItem>& item);
+    /// The item a constraint really relates: a scroll view's edges, tied to one of its own
+    /// descendants, are the edges of its content (its content guide).
+    static std::shared_ptr<LayoutItem> resolve(const std::shared_ptr<LayoutItem>& item,
+                                               LayoutAttribute attribute,
+                                               const std::shared_ptr<LayoutItem>& other);
     layout::Expression expressionFor(const ItemVariables& v, LayoutAttribute attribute) const;
     void generate(const std::string& key, layout::Expression expression, layout::Relation relation,
                   double strength, const std::string& description);

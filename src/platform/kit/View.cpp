@@ -726,7 +726,7 @@ void View::recordAnimatableChange(const std::string& key, const AnimatableValue&
         return;
     }
     auto it = animations_.find(key);
-    if (it != animations_.end() && it->second.group == group) {
+    if (it != animations_.end() && it->second.group.lock() == group) {
         it->second.to = to;  // set twice in one block: one animation to the last value
         return;
     }
@@ -737,9 +737,11 @@ void View::recordAnimatableChange(const std::string& key, const AnimatableValue&
         if (auto shown = presentationValue(key, now)) {
             start = *shown;
         }
-        auto old = it->second.group;
+        auto old = it->second.group.lock();
         animations_.erase(it);
-        old->removed(false);
+        if (old) {
+            old->removed(false);
+        }
     }
     animations_[key] = RunningAnimation{start, to, group->begin(), group->duration(), group->curve(), group};
     group->added(std::static_pointer_cast<View>(shared_from_this()), key);
@@ -779,13 +781,15 @@ void View::removeAnimations(bool cancelled) {
     auto running = std::move(animations_);
     animations_.clear();
     for (auto& [key, animation] : running) {
-        animation.group->removed(cancelled);
+        if (auto group = animation.group.lock()) {
+            group->removed(cancelled);
+        }
     }
 }
 
 void View::removeFinishedAnimation(const std::string& key, const AnimationGroup* group) {
     auto it = animations_.find(key);
-    if (it != animations_.end() && it->second.group.get() == group) {
+    if (it != animations_.end() && it->second.group.lock().get() == group) {
         animations_.erase(it);
     }
 }
