@@ -222,6 +222,69 @@ TEST_F(ConstraintLayout, RepeatingTheSameConstraintsIsHarmless) {
     EXPECT_TRUE(headless.console->lines().empty());
 }
 
+TEST_F(ConstraintLayout, FixedFramesFollowTheirMasksWhenTheSuperviewIsConstrained) {
+    auto root = View::create({0, 0, 400, 400});
+    auto panel = constrained();
+    root->addSubview(panel);
+    auto width = panel->widthAnchor().constraintEqualToConstant(200);
+    LayoutConstraint::activate({panel->topAnchor().constraintEqualTo(root->topAnchor()),
+                                panel->leadingAnchor().constraintEqualTo(root->leadingAnchor()), width,
+                                panel->heightAnchor().constraintEqualToConstant(100)});
+    root->layoutIfNeeded();
+    auto fill = View::create({10, 10, 180, 80});
+    fill->setAutoresizingMask(kit::AutoresizingMask::flexibleWidth | kit::AutoresizingMask::flexibleHeight);
+    auto badge = View::create({170, 0, 30, 30});
+    badge->setAutoresizingMask(kit::AutoresizingMask::flexibleLeftMargin);
+    panel->addSubview(fill);
+    panel->addSubview(badge);
+    auto label = constrained();  // tied to the fixed-frame badge
+    panel->addSubview(label);
+    LayoutConstraint::activate({label->trailingAnchor().constraintEqualTo(badge->leadingAnchor()),
+                                label->topAnchor().constraintEqualTo(badge->bottomAnchor()),
+                                label->widthAnchor().constraintEqualToConstant(40),
+                                label->heightAnchor().constraintEqualToConstant(10)});
+    root->layoutIfNeeded();
+    EXPECT_EQ(label->frame(), (Rect{130, 30, 40, 10}));
+
+    width->setConstant(300);
+    root->layoutIfNeeded();
+    EXPECT_EQ(fill->frame(), (Rect{10, 10, 280, 80}));
+    EXPECT_EQ(badge->frame(), (Rect{270, 0, 30, 30}));
+    EXPECT_EQ(label->frame(), (Rect{230, 30, 40, 10}));
+}
+
+TEST_F(ConstraintLayout, MarginAndCustomGuidesPositionViews) {
+    auto root = View::create({0, 0, 200, 100});
+    root->setLayoutMargins({4, 10, 6, 20});
+    auto inset = constrained();
+    root->addSubview(inset);
+    auto& margins = root->layoutMarginsGuide();
+    LayoutConstraint::activate({
+        inset->leadingAnchor().constraintEqualTo(margins.leadingAnchor()),
+        inset->trailingAnchor().constraintEqualTo(margins.trailingAnchor()),
+        inset->topAnchor().constraintEqualTo(margins.topAnchor()),
+        inset->bottomAnchor().constraintEqualTo(margins.bottomAnchor()),
+    });
+    auto half = kit::LayoutGuide::create();
+    root->addLayoutGuide(half);
+    auto guideWidth = half->widthAnchor().constraintEqualTo(root->widthAnchor(), 0.5);
+    LayoutConstraint::activate({half->leadingAnchor().constraintEqualTo(root->leadingAnchor()), guideWidth,
+                                half->topAnchor().constraintEqualTo(root->topAnchor()),
+                                half->heightAnchor().constraintEqualToConstant(1)});
+    root->layoutIfNeeded();
+    EXPECT_EQ(inset->frame(), (Rect{10, 4, 170, 90}));
+    EXPECT_EQ(margins.layoutFrame(), (Rect{10, 4, 170, 90}));
+    EXPECT_EQ(half->layoutFrame(), (Rect{0, 0, 100, 1}));
+
+    root->setLayoutMargins({0, 0, 0, 0});
+    root->layoutIfNeeded();
+    EXPECT_EQ(inset->frame(), (Rect{0, 0, 200, 100}));
+
+    root->removeLayoutGuide(*half);
+    EXPECT_FALSE(guideWidth->isActive()) << "a removed guide takes its constraints along";
+    EXPECT_EQ(half->owningView(), nullptr);
+}
+
 TEST_F(ConstraintLayout, ConstraintsWithoutACommonAncestorStayInactive) {
     auto a = View::create();
     auto b = View::create();

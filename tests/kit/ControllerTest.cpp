@@ -198,6 +198,79 @@ TEST_F(Controllers, AlertActionsDismissThenRunTheirHandler) {
     EXPECT_EQ(alert->view()->superview(), nullptr);
 }
 
+TEST_F(Controllers, ActionSheetsStackTheirButtonsWithCancelLast) {
+    auto root = ViewController::create();
+    window()->setRootViewController(root);
+    auto sheet = kit::AlertController::create(std::nullopt, "Chọn", kit::AlertControllerStyle::actionSheet);
+    std::vector<std::string> ran;
+    auto record = [&](const kit::AlertAction& a) { ran.push_back(a.title()); };
+    sheet->addAction(kit::AlertAction::create("Hủy", kit::AlertActionStyle::cancel, record));
+    sheet->addAction(kit::AlertAction::create("Một", kit::AlertActionStyle::defaultStyle, record));
+    auto disabled = kit::AlertAction::create("Hai", kit::AlertActionStyle::defaultStyle, record);
+    disabled->setEnabled(false);
+    sheet->addAction(disabled);
+    root->present(sheet, false);
+    queue().runUntilIdle();
+
+    auto cancel = sheet->buttonForAction(0)->frame();
+    auto one = sheet->buttonForAction(1)->frame();
+    auto two = sheet->buttonForAction(2)->frame();
+    EXPECT_EQ(one.maxY(), two.y());
+    EXPECT_EQ(two.maxY(), cancel.y()) << "cancel goes last";
+    EXPECT_EQ(one.width(), kit::AlertController::cardWidth);
+    EXPECT_GT(sheet->cardView()->frame().y(), 844 / 2) << "an action sheet sits low";
+    EXPECT_EQ(sheet->buttonForAction(3), nullptr);
+
+    auto tapButton = [&](std::size_t index) {
+        auto button = sheet->buttonForAction(index);
+        kit::Rect r = button->convertTo(button->bounds(), nullptr);
+        window()->tap({r.midX(), r.midY()});
+    };
+    tapButton(2);
+    EXPECT_EQ(root->presentedViewController(), sheet) << "a disabled action does nothing";
+    tapButton(0);
+    queue().advance(1);
+    EXPECT_EQ(ran, std::vector<std::string>{"Hủy"});
+    EXPECT_EQ(root->presentedViewController(), nullptr);
+}
+
+TEST_F(Controllers, ReplacingTheRootDismissesWhatTheOldRootPresented) {
+    auto first = ViewController::create();
+    window()->setRootViewController(first);
+    auto modal = std::make_shared<CountingController>();
+    first->present(modal, false);
+    auto second = ViewController::create();
+    window()->setRootViewController(second);
+    EXPECT_EQ(first->presentedViewController(), nullptr);
+    EXPECT_EQ(modal->view()->superview(), nullptr);
+    EXPECT_EQ(modal->disappeared, 1);
+    EXPECT_EQ(window()->subviews(), (std::vector<std::shared_ptr<kit::View>>{second->view()}));
+}
+
+TEST_F(Controllers, PushedControllersSlideInAndChildrenFollowTheStack) {
+    auto root = ViewController::create();
+    auto nav = kit::NavigationController::create(root);
+    window()->setRootViewController(nav);
+    auto next = std::make_shared<CountingController>();
+    nav->pushViewController(next, true);
+    EXPECT_EQ(next->view()->frame(), nav->view()->bounds());
+    EXPECT_GT(next->view()->presentation(0.1).frame().x(), 0) << "sliding in from the right";
+    EXPECT_EQ(next->appeared, 0);
+    queue().advance(kit::ViewController::transitionDuration);
+    EXPECT_EQ(next->appeared, 1);
+    EXPECT_EQ(next->parent(), nav);
+
+    auto a = ViewController::create();
+    auto b = ViewController::create();
+    nav->setViewControllers({a, b}, false);
+    EXPECT_EQ(nav->viewControllers(), (std::vector<std::shared_ptr<ViewController>>{a, b}));
+    EXPECT_EQ(root->parent(), nullptr);
+    EXPECT_EQ(next->view()->superview(), nullptr);
+    nav->popToRootViewController(false);
+    EXPECT_EQ(nav->topViewController(), a);
+    EXPECT_EQ(a->view()->superview(), nav->view());
+}
+
 TEST_F(Controllers, KeyWindowSearchWalksScenesInOrder) {
     auto first = window();
     auto second = headless.application->addWindow();
@@ -246,6 +319,22 @@ TEST_F(Controllers, RotationTurnsTheScreenAndNotifiesLiveObserversOnly) {
     owner.reset();
     headless.application->rotate(kit::DeviceOrientation::portrait);
     EXPECT_EQ(calls, 1);
+
+    // An observer removed by an earlier one during the same post is not called.
+    auto& center = kit::NotificationCenter::defaultCenter();
+    kit::NotificationCenter::Token second = 0;
+    int firstCalls = 0;
+    int secondCalls = 0;
+    auto first = center.addObserver("test.removal", [&] {
+        ++firstCalls;
+        center.removeObserver(second);
+    });
+    second = center.addObserver("test.removal", [&] { ++secondCalls; });
+    center.post("test.removal");
+    center.post("test.removal");
+    EXPECT_EQ(firstCalls, 2);
+    EXPECT_EQ(secondCalls, 0);
+    center.removeObserver(first);
     EXPECT_EQ(
         kit::NotificationCenter::defaultCenter().observerCount(kit::deviceOrientationDidChangeNotification),
         0u);

@@ -83,6 +83,28 @@ TEST_F(Input, PanReportsBeganChangedEndedWithLocationsAndCancelsTheControl) {
     EXPECT_EQ(seen.size(), 3u);
 }
 
+TEST_F(Input, CancelledAndDisabledGesturesReportNothingMore) {
+    auto area = kit::View::create({0, 0, 300, 300});
+    window()->addSubview(area);
+    std::vector<kit::GestureRecognizerState> states;
+    auto pan = kit::PanGestureRecognizer::create([&](auto& g) { states.push_back(g.state()); });
+    area->addGestureRecognizer(pan);
+    window()->touchDown({10, 10});
+    window()->touchMove({60, 10});
+    window()->touchCancel();
+    using S = kit::GestureRecognizerState;
+    EXPECT_EQ(states, (std::vector<S>{S::began, S::cancelled}));
+
+    pan->setEnabled(false);
+    window()->drag({10, 10}, {100, 100});
+    EXPECT_EQ(states.size(), 2u);
+    pan->setEnabled(true);
+    area->removeGestureRecognizer(*pan);
+    EXPECT_EQ(pan->view(), nullptr);
+    window()->drag({10, 10}, {100, 100});
+    EXPECT_EQ(states.size(), 2u);
+}
+
 TEST_F(Input, TapRecognizersFireUnlessAControlIsTouched) {
     auto section = kit::View::create({0, 0, 390, 200});
     auto remove = kit::Button::create(kit::ButtonType::custom, {10, 10, 24, 24});

@@ -180,6 +180,64 @@ TEST_F(ListViews, TableRowsAreSizedByConstraintsReusedAndSelectedByTap) {
     EXPECT_EQ(table->numberOfSections(), 0);
 }
 
+/// Fixed heights per row, two sections.
+class Sections : public kit::TableViewDataSource, public kit::TableViewDelegate {
+  public:
+    int numberOfSections(kit::TableView&) override { return 2; }
+    int numberOfRowsInSection(kit::TableView&, int section) override { return section == 0 ? 2 : 30; }
+    std::shared_ptr<kit::TableViewCell> cellForRowAt(kit::TableView&, const IndexPath&) override {
+        auto cell = kit::TableViewCell::create();  // a new cell per row, no reuse
+        cell->textLabel()->setText("row");
+        return cell;
+    }
+    double heightForRowAt(kit::TableView&, const IndexPath& p) override { return p.section == 0 ? 60 : 20; }
+};
+
+TEST_F(ListViews, SectionsStylesAndScrollingDecideWhichRowsShow) {
+    auto sections = std::make_shared<Sections>();
+    auto table = kit::TableView::create({0, 0, 390, 300}, kit::TableViewStyle::insetGrouped);
+    table->setDataSource(sections);
+    table->setDelegate(sections);
+    table->reloadData();
+    table->layoutIfNeeded();
+    EXPECT_EQ(table->rectForRow({0, 0}), (Rect{20, 35, 350, 60}));
+    EXPECT_EQ(table->rectForRow({1, 0}), (Rect{20, 35 + 120 + 35, 350, 20}));
+    EXPECT_EQ(table->contentSize().height, 35 + 120 + 35 + 30 * 20);
+    EXPECT_EQ(table->cellForRow({1, 0})->textLabel()->frame(), (Rect{16, 0, 318, 20}));
+    EXPECT_EQ(table->visibleCells().size(), 2u + 6u) << "rows starting above y = 300";
+    EXPECT_EQ(table->cellForRow({1, 30}), nullptr);
+    EXPECT_EQ(table->indexPathForRow({100, 200}), (IndexPath{1, 0}));
+    EXPECT_EQ(table->indexPathForRow({100, 10}), std::nullopt) << "the gap above a section is no row";
+
+    table->setContentOffset({0, 400});
+    auto visible = table->visibleCells();
+    ASSERT_FALSE(visible.empty());
+    EXPECT_EQ(table->indexPathForCell(*visible.front()), (IndexPath{1, 10}));
+    EXPECT_EQ(table->indexPathForCell(*kit::TableViewCell::create()), std::nullopt);
+
+    // A narrower table lays its rows out again at the new width.
+    table->setFrame({0, 0, 200, 300});
+    table->layoutIfNeeded();
+    EXPECT_EQ(table->rectForRow({0, 1}), (Rect{20, 95, 160, 60}));
+
+    table->selectRow({0, 1}, false);
+    EXPECT_TRUE(table->cellForRow({0, 1})->isSelected());
+    table->selectRow({1, 2}, false);
+    EXPECT_FALSE(table->cellForRow({0, 1})->isSelected()) << "one selection at a time";
+    table->deselectRow({1, 2}, false);
+    EXPECT_EQ(table->indexPathForSelectedRow(), std::nullopt);
+}
+
+TEST_F(ListViews, AccessoryNarrowsTheContentView) {
+    auto cell = kit::TableViewCell::create(kit::TableViewCellStyle::defaultStyle, "Plain");
+    cell->setFrame({0, 0, 300, 44});
+    cell->layoutIfNeeded();
+    EXPECT_EQ(cell->contentView()->frame(), (Rect{0, 0, 300, 44}));
+    cell->setAccessoryType(kit::TableViewCellAccessoryType::checkmark);
+    cell->layoutIfNeeded();
+    EXPECT_EQ(cell->contentView()->frame(), (Rect{0, 0, 260, 44}));
+}
+
 TEST_F(ListViews, UnregisteredIdentifierGivesNoCell) {
     auto table = kit::TableView::create({0, 0, 300, 400});
     EXPECT_EQ(table->dequeueReusableCell("Missing", {0, 0}), nullptr);
