@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "ovix/platform/Platform.h"
+
 namespace ovix::kit {
 
 /// Cells by reuse identifier for tables and collections: a factory per identifier, and the cells a
@@ -18,7 +20,8 @@ class ReusePool {
     void registerFactory(std::string reuseIdentifier, Factory factory) {
         factories_[std::move(reuseIdentifier)] = std::move(factory);
     }
-    /// A released cell, else a new one; null when nothing is registered for the identifier.
+    /// A released cell, else a new one; null, with a console warning, when nothing is registered
+    /// for the identifier.
     std::shared_ptr<Cell> dequeue(const std::string& reuseIdentifier) {
         auto& pool = released_[reuseIdentifier];
         if (!pool.empty()) {
@@ -28,7 +31,12 @@ class ReusePool {
             return cell;
         }
         auto it = factories_.find(reuseIdentifier);
-        return it == factories_.end() || !it->second ? nullptr : it->second(reuseIdentifier);
+        if (it == factories_.end() || !it->second) {
+            platform::current()->console->printLine("⚠️ No cell registered for reuse identifier " +
+                                                    reuseIdentifier);
+            return nullptr;
+        }
+        return it->second(reuseIdentifier);
     }
     /// Takes a cell out of its table and keeps it for reuse (cells without an identifier are dropped).
     void release(const std::shared_ptr<Cell>& cell) {

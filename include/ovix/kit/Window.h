@@ -81,7 +81,11 @@ class Window : public View {
         std::vector<std::shared_ptr<GestureRecognizer>> recognizers;
         std::shared_ptr<GestureRecognizer> winner;
     };
-    std::unique_ptr<ActiveTouch> active_;
+    /// Gives a move or the lift to the recognizers still in the running; the first to take the
+    /// touch wins and the others fail.
+    std::shared_ptr<GestureRecognizer> offer(ActiveTouch& touch, bool ended);
+
+    std::shared_ptr<ActiveTouch> active_;
 };
 
 }  // namespace ovix::kit

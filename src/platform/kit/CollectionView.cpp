@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "ovix/platform/Platform.h"
-
 namespace ovix::kit {
 
 std::shared_ptr<CollectionView> CollectionView::create(Rect frame,
@@ -22,12 +20,7 @@ void CollectionView::registerCell(std::string reuseIdentifier, CellFactory facto
 
 std::shared_ptr<CollectionViewCell> CollectionView::dequeueReusableCell(const std::string& reuseIdentifier,
                                                                         const IndexPath&) {
-    auto cell = pool_.dequeue(reuseIdentifier);
-    if (!cell) {
-        platform::current()->console->printLine("⚠️ No cell registered for reuse identifier " +
-                                                reuseIdentifier);
-    }
-    return cell;
+    return pool_.dequeue(reuseIdentifier);
 }
 
 void CollectionView::reloadData() {

@@ -453,22 +453,23 @@ std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting*
                 Size ics = proposed == proposedWidth_.end()
                                ? view->intrinsicContentSize()
                                : view->intrinsicContentSizeForWidth(proposed->second);
-                if (ics.width != View::noIntrinsicMetric) {
-                    generate(keyOf(vp, "ics.w.min"), v.width - ics.width, layout::Relation::GreaterOrEqual,
-                             priority(view->contentCompressionResistancePriority(LayoutAxis::horizontal)),
-                             name + ".width >= intrinsic");
-                    generate(keyOf(vp, "ics.w.max"), v.width - ics.width, layout::Relation::LessOrEqual,
-                             priority(view->contentHuggingPriority(LayoutAxis::horizontal)),
-                             name + ".width <= intrinsic");
-                }
-                if (ics.height != View::noIntrinsicMetric) {
-                    generate(keyOf(vp, "ics.h.min"), v.height - ics.height, layout::Relation::GreaterOrEqual,
-                             priority(view->contentCompressionResistancePriority(LayoutAxis::vertical)),
-                             name + ".height >= intrinsic");
-                    generate(keyOf(vp, "ics.h.max"), v.height - ics.height, layout::Relation::LessOrEqual,
-                             priority(view->contentHuggingPriority(LayoutAxis::vertical)),
-                             name + ".height <= intrinsic");
-                }
+                // Compression resistance keeps the view from shrinking below its content, hugging
+                // from growing past it, each at the view's priority for the axis.
+                auto hold = [&](LayoutAxis axis, const layout::Variable& length, double natural) {
+                    if (natural == View::noIntrinsicMetric) {
+                        return;
+                    }
+                    std::string what = axis == LayoutAxis::horizontal ? ".width" : ".height";
+                    generate(keyOf(vp, ("ics" + what + ".min").c_str()), length - natural,
+                             layout::Relation::GreaterOrEqual,
+                             priority(view->contentCompressionResistancePriority(axis)),
+                             name + what + " >= intrinsic");
+                    generate(keyOf(vp, ("ics" + what + ".max").c_str()), length - natural,
+                             layout::Relation::LessOrEqual, priority(view->contentHuggingPriority(axis)),
+                             name + what + " <= intrinsic");
+                };
+                hold(LayoutAxis::horizontal, v.width, ics.width);
+                hold(LayoutAxis::vertical, v.height, ics.height);
             }
         }
         // Built-in guides: fixed insets of the view's own rectangle.

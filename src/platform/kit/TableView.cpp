@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "ovix/platform/Platform.h"
-
 namespace ovix::kit {
 
 namespace {
@@ -33,12 +31,7 @@ void TableView::registerCell(std::string reuseIdentifier, CellFactory factory) {
 
 std::shared_ptr<TableViewCell> TableView::dequeueReusableCell(const std::string& reuseIdentifier,
                                                               const IndexPath&) {
-    auto cell = pool_.dequeue(reuseIdentifier);
-    if (!cell) {
-        platform::current()->console->printLine("⚠️ No cell registered for reuse identifier " +
-                                                reuseIdentifier);
-    }
-    return cell;
+    return pool_.dequeue(reuseIdentifier);
 }
 
 std::shared_ptr<TableViewCell> TableView::makeCell(const IndexPath& indexPath) {

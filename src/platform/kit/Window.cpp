@@ -142,7 +142,7 @@ void Window::touchDown(Point location) {
     if (!hit) {
         return;
     }
-    auto touch = std::make_unique<ActiveTouch>();
+    auto touch = std::make_shared<ActiveTouch>();
     touch->touch.windowLocation = location;
     touch->touch.startLocation = location;
     touch->touch.phase = TouchPhase::began;
@@ -157,86 +157,78 @@ void Window::touchDown(Point location) {
             }
         }
     }
-    active_ = std::move(touch);
+    active_ = touch;
     auto keep = self<Window>();
-    for (auto& r : active_->recognizers) {
+    for (auto& r : touch->recognizers) {
         r->reset();
-        r->touchBegan(active_->touch);
+        r->touchBegan(touch->touch);
     }
-    hit->touchesBegan(active_->touch);
+    hit->touchesBegan(touch->touch);
+}
+
+std::shared_ptr<GestureRecognizer> Window::offer(ActiveTouch& a, bool ended) {
+    for (auto& r : std::vector<std::shared_ptr<GestureRecognizer>>(a.recognizers)) {
+        if (r->state() == GestureRecognizerState::failed) {
+            continue;
+        }
+        if (ended) {
+            r->touchEnded(a.touch);
+        } else {
+            r->touchMoved(a.touch);
+        }
+        if (r->hasRecognized()) {
+            for (auto& other : a.recognizers) {
+                if (other != r) {
+                    other->fail();
+                }
+            }
+            return r;
+        }
+    }
+    return nullptr;
 }
 
 void Window::touchMove(Point location) {
-    if (!active_) {
+    auto a = active_;  // an action may end the touch: keep its state alive
+    if (!a) {
         return;
     }
     auto keep = self<Window>();
-    auto& a = *active_;
-    a.touch.windowLocation = location;
-    a.touch.phase = TouchPhase::moved;
-    bool viewHadIt = !a.winner || !a.winner->cancelsTouchesInView();
-    if (a.winner) {
-        a.winner->touchMoved(a.touch);
-    } else {
-        for (auto& r : a.recognizers) {
-            if (r->state() == GestureRecognizerState::failed) {
-                continue;
-            }
-            r->touchMoved(a.touch);
-            if (r->hasRecognized()) {
-                a.winner = r;
-                for (auto& other : a.recognizers) {
-                    if (other != r) {
-                        other->fail();
-                    }
-                }
-                if (r->cancelsTouchesInView()) {
-                    a.view->touchesCancelled(a.touch);
-                }
-                break;
-            }
-        }
+    a->touch.windowLocation = location;
+    a->touch.phase = TouchPhase::moved;
+    if (a->winner) {
+        a->winner->touchMoved(a->touch);
+    } else if ((a->winner = offer(*a, false)) && a->winner->cancelsTouchesInView()) {
+        a->view->touchesCancelled(a->touch);
+        return;
     }
-    if (!active_) {
-        return;  // an action ended the touch
-    }
-    if (viewHadIt && (!a.winner || !a.winner->cancelsTouchesInView())) {
-        a.view->touchesMoved(a.touch);
+    if (active_ == a && (!a->winner || !a->winner->cancelsTouchesInView())) {
+        a->view->touchesMoved(a->touch);
     }
 }
 
 void Window::touchUp(Point location) {
-    if (!active_) {
+    auto a = std::move(active_);
+    if (!a) {
         return;
     }
     auto keep = self<Window>();
-    auto touch = std::move(active_);
-    auto& a = *touch;
-    a.touch.windowLocation = location;
-    a.touch.phase = TouchPhase::ended;
-    bool viewHadIt = !a.winner || !a.winner->cancelsTouchesInView();
-    if (a.winner) {
-        a.winner->touchEnded(a.touch);
+    a->touch.windowLocation = location;
+    a->touch.phase = TouchPhase::ended;
+    bool viewHadIt = !a->winner || !a->winner->cancelsTouchesInView();
+    if (a->winner) {
+        a->winner->touchEnded(a->touch);
     } else {
-        for (auto& r : a.recognizers) {
-            if (r->state() == GestureRecognizerState::failed) {
-                continue;
-            }
-            r->touchEnded(a.touch);
-            if (r->hasRecognized()) {
-                a.winner = r;
-                break;
-            }
-        }
+        a->winner = offer(*a, true);
     }
     if (viewHadIt) {
-        if (a.winner && a.winner->cancelsTouchesInView()) {
-            a.view->touchesCancelled(a.touch);
+        if (a->winner && a->winner->cancelsTouchesInView()) {
+            a->view->touchesCancelled(a->touch);
         } else {
-            a.view->touchesEnded(a.touch);
+            a->view->touchesEnded(a->touch);
         }
     }
-    for (auto& r : a.recognizers) {
+    for (auto& r : a->recognizers) {
         r->reset();
     }
 }
