@@ -73,6 +73,12 @@ public:
     /// store cannot verify), on the store's thread. Returns at once.
     void restorePurchases();
 
+    /// Shows the start screen (`SplashViewController`) as the root of a new navigation controller in
+    /// the application's first window, made key and visible. Nothing when there is no window.
+    void showSplash();
+    /// Shows the login screen (`LoginViewController`) the same way.
+    void showLogin();
+
     /// Raises `event` through the one event mechanism: the listener, if set, gets it once, on the
     /// calling thread. Used by the SDK's own components; a game may raise its reserved events too.
     void raise(std::string_view event, const Value& data = Value()) const;

@@ -6,10 +6,14 @@
 
 #include "api/APIService.h"
 #include "core/SessionManager.h"
+#include "ovix/kit/NavigationController.h"
+#include "ovix/kit/Window.h"
 #include "ovix/platform/Platform.h"
 #include "purchases/IAPManager.h"
 #include "purchases/PurchaseAlert.h"
 #include "push/FirebaseManager.h"
+#include "ui/login/LoginViewController.h"
+#include "ui/login/SplashViewController.h"
 
 namespace ovix {
 
@@ -81,6 +85,25 @@ std::future<void> OvixCore::purchaseProduct(std::string_view productId) {
 void OvixCore::restorePurchases() {
     (void)IAPManager::shared().restorePurchases();
 }
+
+namespace {
+
+// The screen becomes the root of the first window (not the key window) in a new navigation stack.
+void installAsRoot(std::shared_ptr<kit::ViewController> screen) {
+    auto navigation = kit::NavigationController::create(std::move(screen));
+    const auto windows = platform::current()->application->windows();
+    if (windows.empty()) {
+        return;
+    }
+    windows.front()->setRootViewController(navigation);
+    windows.front()->makeKeyAndVisible();
+}
+
+}  // namespace
+
+void OvixCore::showSplash() { installAsRoot(SplashViewController::create()); }
+
+void OvixCore::showLogin() { installAsRoot(LoginViewController::create()); }
 
 std::string OvixCore::getTokenApp() const { return SessionManager::readString(SessionManager::shared().tokenKey); }
 

@@ -13,6 +13,7 @@
 #include "platform/unsupported/UnsupportedApplication.h"
 #include "platform/unsupported/UnsupportedImagePicker.h"
 #include "platform/unsupported/UnsupportedNotificationCenter.h"
+#include "platform/unsupported/UnsupportedWebEngine.h"
 
 namespace ovix::platform {
 
@@ -33,6 +34,8 @@ std::shared_ptr<Platform> makeDefault() {
     p->imagePicker = std::make_shared<UnsupportedImagePicker>();
     p->imageCodec = std::make_shared<JpegImageCodec>();
     p->application = std::make_shared<UnsupportedApplication>();
+    // This platform has no windows to show pages in.
+    p->webEngine = std::make_shared<UnsupportedWebEngine>();
     p->crypto = std::make_shared<OpenSslCrypto>();
     p->timeZone = std::make_shared<PosixTimeZone>();
     return p;

@@ -19,10 +19,9 @@
 #include "ovix/platform/ResourceBundle.h"
 #include "ovix/platform/Store.h"
 #include "ovix/platform/TimeZone.h"
+#include "ovix/platform/WebEngine.h"
 
 namespace ovix::platform {
-
-class WebEngine;
 
 /// Every service the SDK takes from its environment.
 ///

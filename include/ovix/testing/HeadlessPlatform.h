@@ -12,6 +12,7 @@
 #include "ovix/testing/HeadlessApplication.h"
 #include "ovix/testing/HeadlessDeviceFacts.h"
 #include "ovix/testing/MemoryKeyValueStore.h"
+#include "ovix/testing/ScriptedWebEngine.h"
 #include "ovix/testing/VirtualMainQueue.h"
 
 namespace ovix::testing {
@@ -43,6 +44,8 @@ struct HeadlessPlatform {
     std::shared_ptr<HeadlessApplication> application;
     /// The store: an empty sandbox catalog for the test to fill and script.
     std::shared_ptr<platform::SandboxStore> sandboxStore;
+    /// Web views whose pages the test plays; their website data store records removals.
+    std::shared_ptr<ScriptedWebEngine> webEngine;
 
     /// Builds the platform; the calling thread becomes its main thread. Not installed yet.
     static HeadlessPlatform create(Options options);

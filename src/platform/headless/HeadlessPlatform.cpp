@@ -20,6 +20,7 @@ HeadlessPlatform HeadlessPlatform::create(Options options) {
     h.pushClient = std::make_shared<FakePushClient>();
     h.application = HeadlessApplication::create(options.application);
     h.sandboxStore = std::make_shared<platform::SandboxStore>();
+    h.webEngine = std::make_shared<ScriptedWebEngine>();
 
     h.platform = std::make_shared<platform::Platform>();
     auto& p = *h.platform;
@@ -36,6 +37,7 @@ HeadlessPlatform HeadlessPlatform::create(Options options) {
     p.imagePicker = std::make_shared<platform::UnsupportedImagePicker>();
     p.imageCodec = std::make_shared<platform::JpegImageCodec>();
     p.application = h.application;
+    p.webEngine = h.webEngine;
     p.crypto = std::make_shared<platform::OpenSslCrypto>();
     p.timeZone = std::make_shared<FixedTimeZone>();
     return h;

@@ -1,0 +1,68 @@
+#include "ui/login/SplashViewController.h"
+
+#include "core/SessionManager.h"
+#include "ovix/OvixCore.h"
+#include "ovix/OvixEvents.h"
+#include "ovix/kit/ImageView.h"
+#include "ovix/platform/Platform.h"
+
+namespace ovix {
+
+void SplashViewController::viewDidLoad() {
+    kit::ViewController::viewDidLoad();
+    view()->setBackgroundColor(kit::Color::white());
+    setupLogo();
+    requestPermission();
+}
+
+void SplashViewController::setupLogo() {
+    auto image = kit::Image::named("ic_sdk_splash");
+    if (!image) {
+        return;
+    }
+    auto root = view();
+    const kit::Rect bounds = root->bounds();
+    auto logo = kit::ImageView::create(image);
+    logo->setContentMode(kit::ContentMode::scaleAspectFit);
+    logo->setFrame(
+        {(bounds.size.width - logoSide) / 2, (bounds.size.height - logoSide) / 2, logoSide, logoSide});
+    logo->setAutoresizingMask(
+        kit::AutoresizingMask::flexibleLeftMargin | kit::AutoresizingMask::flexibleRightMargin |
+        kit::AutoresizingMask::flexibleTopMargin | kit::AutoresizingMask::flexibleBottomMargin);
+    root->addSubview(logo);
+}
+
+void SplashViewController::requestPermission() {
+    std::weak_ptr<SplashViewController> weak = self<SplashViewController>();
+    // The answer arrives on the main queue.
+    OvixCore::shared().requestNotificationPermission([weak](bool) {
+        if (weak.expired()) {
+            return;
+        }
+        platform::current()->mainQueue->asyncAfter(routingDelay, [weak] {
+            if (!weak.expired()) {
+                routeAfterSplash();
+            }
+        });
+    });
+}
+
+void SplashViewController::routeAfterSplash() {
+    if (SessionManager::readString(SessionManager::shared().tokenKey).empty()) {
+        OvixCore::shared().showLogin();
+        return;
+    }
+    OvixCore::shared().getUserInfo([](std::optional<Dictionary> info) {
+        // The answer comes on the transport's thread; screens change on the main queue.
+        platform::current()->mainQueue->async([found = info.has_value()] {
+            if (!found) {
+                SessionManager::shared().clearToken();
+                OvixCore::shared().showLogin();
+            } else {
+                OvixCore::shared().raise(OvixEvents::LOGIN_SUCCESS);
+            }
+        });
+    });
+}
+
+}  // namespace ovix
