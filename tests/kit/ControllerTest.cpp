@@ -316,6 +316,8 @@ TEST_F(Controllers, RotationTurnsTheScreenAndNotifiesLiveObserversOnly) {
     EXPECT_EQ(window()->frame(), (Rect{0, 0, 844, 390}));
     EXPECT_EQ(window()->windowSafeAreaInsets(), (kit::EdgeInsets{0, 47, 21, 47}));
     EXPECT_EQ(calls, 1);
+    headless.application->rotate(kit::DeviceOrientation::landscapeRight);
+    EXPECT_EQ(calls, 1) << "no turn, no notification";
     owner.reset();
     headless.application->rotate(kit::DeviceOrientation::portrait);
     EXPECT_EQ(calls, 1);

@@ -20,8 +20,10 @@ class WindowScene;
 /// Main thread only.
 class Window : public View {
   public:
-    /// A window covering the scene's screen, appended to the scene's windows.
-    static std::shared_ptr<Window> create(const std::shared_ptr<WindowScene>& scene);
+    /// A window covering the scene's screen, appended to the scene's windows, with the display's
+    /// safe-area insets.
+    static std::shared_ptr<Window> create(const std::shared_ptr<WindowScene>& scene,
+                                          EdgeInsets safeArea = {});
     /// A window outside any scene (not listed by the application).
     static std::shared_ptr<Window> create(Rect frame);
     explicit Window(Rect frame);
@@ -65,6 +67,7 @@ class Window : public View {
     friend class ViewController;
     friend class WindowScene;
 
+    static void track(const std::shared_ptr<Window>& window);
     bool setFirstResponder(std::shared_ptr<View> responder);
     void scheduleLayout();
 

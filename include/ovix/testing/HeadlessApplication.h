@@ -47,7 +47,8 @@ class HeadlessApplication : public platform::Application {
     /// A new window in the first scene, covering the screen, with the current safe area; not key.
     std::shared_ptr<kit::Window> addWindow();
     /// Turns the device: the screen's bounds follow, windows covering the screen are resized and
-    /// get the orientation's safe area, and the orientation notification is posted.
+    /// get the orientation's safe area, and the orientation notification is posted. Turning to the
+    /// current orientation does nothing.
     void rotate(kit::DeviceOrientation orientation);
     void setOpenableSchemes(std::vector<std::string> schemes) {
         options_.openableSchemes = std::move(schemes);

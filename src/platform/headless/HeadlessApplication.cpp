@@ -48,8 +48,8 @@ void HeadlessApplication::ensureScene() const {
     auto scene = kit::WindowScene::create(screen_);
     scenes_.insert(scenes_.begin(), scene);
     for (int i = 0; i < options_.windowCount; ++i) {
-        auto window = kit::Window::create(scene);
-        window->setWindowSafeAreaInsets(currentSafeArea());
+        // Made before the platform may be installed: nothing here schedules work on a queue.
+        auto window = kit::Window::create(scene, currentSafeArea());
         if (i == 0) {
             window->makeKeyAndVisible();
         }
@@ -105,13 +105,14 @@ std::shared_ptr<kit::Window> HeadlessApplication::addWindow() {
     if (scenes_.empty()) {
         scenes_.push_back(kit::WindowScene::create(screen_));
     }
-    auto window = kit::Window::create(scenes_.front());
-    window->setWindowSafeAreaInsets(currentSafeArea());
-    return window;
+    return kit::Window::create(scenes_.front(), currentSafeArea());
 }
 
 void HeadlessApplication::rotate(kit::DeviceOrientation orientation) {
     ensureScene();
+    if (orientation == screen_->orientation()) {
+        return;  // the device did not turn: no notification
+    }
     kit::Rect before = screen_->bounds();
     screen_->setOrientation(orientation);
     kit::Rect after = screen_->bounds();

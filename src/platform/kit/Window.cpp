@@ -21,11 +21,16 @@ std::vector<std::weak_ptr<Window>>& liveWindows() {
     return windows;
 }
 
-void track(const std::shared_ptr<Window>& window) {
+}  // namespace
+
+void Window::track(const std::shared_ptr<Window>& window) {
+    window->windowCache_ = window;  // a window is its own window: its layout is scheduled too
     auto& all = liveWindows();
     std::erase_if(all, [](const std::weak_ptr<Window>& w) { return w.expired(); });
     all.push_back(window);
 }
+
+namespace {
 
 /// A tap recognizer above a control leaves the tap to the control, as controls take precedence over
 /// their ancestors' taps.
@@ -40,9 +45,10 @@ bool controlBetween(const View& hit, const View& recognizerView) {
 
 }  // namespace
 
-std::shared_ptr<Window> Window::create(const std::shared_ptr<WindowScene>& scene) {
+std::shared_ptr<Window> Window::create(const std::shared_ptr<WindowScene>& scene, EdgeInsets safeArea) {
     Rect frame = scene && scene->screen() ? scene->screen()->bounds() : Rect{};
     auto window = std::make_shared<Window>(frame);
+    window->safeArea_ = safeArea;
     if (scene) {
         window->scene_ = scene;
         scene->windows_.push_back(window);
