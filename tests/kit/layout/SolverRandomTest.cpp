@@ -157,12 +157,14 @@ class RandomSystem {
             a.linear.constant = constant;
             return;
         }
+        std::vector<double> before = values();
         SolverResult result = solver_.setConstant(*a.constraint, constant);
         if (result == SolverResult::UnsatisfiableConstraint) {
             ++unsatisfiable;
             auto with = linears();
             with[index].constant = constant;
             EXPECT_TRUE(infeasible(with)) << "a satisfiable constant was refused";
+            EXPECT_EQ(values(), before) << "a refused constant moved the solution";
             EXPECT_EQ(a.constraint->expression().constant, a.linear.constant);
             return;
         }

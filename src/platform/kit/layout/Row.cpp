@@ -40,7 +40,7 @@ void Row::insert(Symbol symbol, double coefficient) {
     }
 }
 
-void Row::insert(const Row& other, double factor, std::vector<Symbol>* added) {
+void Row::insert(const Row& other, double factor, std::vector<Symbol>* added, std::vector<Symbol>* removed) {
     constant_ += factor * other.constant_;
     // Merge of two sorted cell lists into a reused buffer, so long rows cost no allocation.
     thread_local std::vector<Cell> merged;
@@ -64,6 +64,8 @@ void Row::insert(const Row& other, double factor, std::vector<Symbol>* added) {
             double c = a->coefficient + factor * b->coefficient;
             if (!negligible(c)) {
                 merged.push_back(Cell{a->symbol, c});
+            } else if (removed) {
+                removed->push_back(a->symbol);
             }
             ++a;
             ++b;
@@ -101,14 +103,15 @@ void Row::solveFor(Symbol basic, Symbol entering) {
     solveFor(entering);
 }
 
-bool Row::substitute(Symbol symbol, const Row& replacement, std::vector<Symbol>* added) {
+bool Row::substitute(Symbol symbol, const Row& replacement, std::vector<Symbol>* added,
+                     std::vector<Symbol>* removed) {
     auto it = find(symbol);
     if (it == cells_.end()) {
         return false;
     }
     double coefficient = it->coefficient;
     cells_.erase(it);
-    insert(replacement, coefficient, added);
+    insert(replacement, coefficient, added, removed);
     return true;
 }
 

@@ -25,6 +25,7 @@ class Row {
 
     double constant() const { return constant_; }
     void addToConstant(double delta) { constant_ += delta; }
+    void setConstant(double constant) { constant_ = constant; }
     const std::vector<Cell>& cells() const { return cells_; }
     bool empty() const { return cells_.empty(); }
     double coefficient(Symbol symbol) const;
@@ -32,8 +33,10 @@ class Row {
 
     /// Adds `coefficient * symbol`.
     void insert(Symbol symbol, double coefficient);
-    /// Adds `factor * other`; symbols that were absent and are now present are appended to `added`.
-    void insert(const Row& other, double factor, std::vector<Symbol>* added = nullptr);
+    /// Adds `factor * other`. Symbols that were absent and are now present are appended to `added`,
+    /// those that cancelled out to `removed`.
+    void insert(const Row& other, double factor, std::vector<Symbol>* added = nullptr,
+                std::vector<Symbol>* removed = nullptr);
     void erase(Symbol symbol);
     void negate();
     /// The row read as `0 = row`; afterwards it reads `symbol = row` (symbol must be present).
@@ -41,7 +44,8 @@ class Row {
     /// The row read as `basic = row`; afterwards it reads `entering = row`.
     void solveFor(Symbol basic, Symbol entering);
     /// Replaces `symbol` by `replacement`; false when the row did not depend on it.
-    bool substitute(Symbol symbol, const Row& replacement, std::vector<Symbol>* added = nullptr);
+    bool substitute(Symbol symbol, const Row& replacement, std::vector<Symbol>* added = nullptr,
+                    std::vector<Symbol>* removed = nullptr);
 
   private:
     std::vector<Cell>::const_iterator find(Symbol symbol) const;

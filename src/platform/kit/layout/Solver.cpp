@@ -101,9 +101,10 @@ SolverResult Solver::suggestValue(const Variable& variable, double value) {
 }
 
 void Solver::updateVariables() {
-    for (auto& [variable, info] : variables_) {
-        Variable handle = variable;
-        handle.setValue(tableau_.value(info.symbol) + 0.0);  // no -0
+    for (Symbol s : tableau_.takeChangedExternals()) {
+        if (s < variableOf_.size() && variableOf_[s]) {
+            variableOf_[s]->setValue(tableau_.value(s) + 0.0);  // no -0
+        }
     }
 }
 
@@ -111,6 +112,7 @@ void Solver::reset() {
     tableau_.clear();
     records_.clear();
     variables_.clear();
+    variableOf_.clear();
     edits_.clear();
 }
 
@@ -130,6 +132,10 @@ Symbol Solver::symbolFor(const Variable& variable, std::vector<Variable>& create
     }
     Symbol symbol = tableau_.newSymbol(SymbolKind::External);
     variables_.emplace(variable, VariableInfo{symbol, 0});
+    if (variableOf_.size() <= symbol) {
+        variableOf_.resize(symbol + 1);
+    }
+    variableOf_[symbol] = variable;
     created.push_back(variable);
     return symbol;
 }
@@ -144,17 +150,10 @@ void Solver::releaseVariables(const std::vector<Variable>& variables) {
     for (const Variable& v : variables) {
         auto it = variables_.find(v);
         if (--it->second.uses == 0) {
+            variableOf_[it->second.symbol].reset();
             tableau_.releaseSymbol(it->second.symbol);
             variables_.erase(it);
         }
-    }
-}
-
-void Solver::forgetCreated(const std::vector<Variable>& created) {
-    for (const Variable& v : created) {
-        auto it = variables_.find(v);
-        tableau_.releaseSymbol(it->second.symbol);
-        variables_.erase(it);
     }
 }
 
@@ -167,6 +166,8 @@ SolverResult Solver::add(const Constraint& constraint) {
     record.constant = expression.constant;
     record.other = noSymbol;
     record.otherSign = 0;
+    // A refused constraint must leave no trace, down to the symbol ids later pivots compare.
+    tableau_.begin();
 
     // The expression in terms of parametric symbols only.
     Row row(expression.constant);
@@ -245,20 +246,17 @@ SolverResult Solver::add(const Constraint& constraint) {
         row.solveFor(subject);
         tableau_.addRow(subject, std::move(row));
     } else if (added) {
-        Tableau saved = tableau_;
         added = tableau_.addRowThroughArtificial(row);
-        if (!added) {
-            tableau_ = std::move(saved);
-        }
     }
     if (!added) {
-        tableau_.releaseSymbol(record.marker);
-        if (record.other != noSymbol) {
-            tableau_.releaseSymbol(record.other);
+        tableau_.rollback();
+        for (const Variable& v : created) {
+            variableOf_[variables_.at(v).symbol].reset();
+            variables_.erase(v);
         }
-        forgetCreated(created);
         return SolverResult::UnsatisfiableConstraint;
     }
+    tableau_.commit();
     tableau_.optimize();
     retainVariables(record.variables);
     records_.emplace(constraint, std::move(record));
@@ -304,12 +302,12 @@ SolverResult Solver::changeConstant(Record& record, const Constraint& constraint
         symbol = record.other;
         sign = record.otherSign;
     }
-    double shift = delta / sign;
-    if (!tableau_.shift(symbol, shift) || !tableau_.dualOptimize()) {
-        tableau_.shift(symbol, -shift);
-        tableau_.dualOptimize();
+    tableau_.begin();
+    if (!tableau_.shift(symbol, delta / sign) || !tableau_.dualOptimize()) {
+        tableau_.rollback();
         return SolverResult::UnsatisfiableConstraint;
     }
+    tableau_.commit();
     record.constant = newConstant;
     Constraint handle = constraint;
     handle.setConstant(newConstant);

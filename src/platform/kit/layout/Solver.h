@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -50,7 +51,8 @@ class Solver {
     bool hasEditVariable(const Variable& variable) const;
     SolverResult suggestValue(const Variable& variable, double value);
 
-    /// Writes the solved value of every variable the solver knows into `Variable::value()`.
+    /// Writes the solved values into `Variable::value()`: every variable whose value may have changed
+    /// since the last call, and every variable added since. Cost follows what changed, not the size.
     void updateVariables();
     /// Forgets every constraint and edit variable (variables keep their last written values).
     void reset();
@@ -85,12 +87,12 @@ class Solver {
     Symbol symbolFor(const Variable& variable, std::vector<Variable>& created);
     void retainVariables(const std::vector<Variable>& variables);
     void releaseVariables(const std::vector<Variable>& variables);
-    void forgetCreated(const std::vector<Variable>& created);
     double solvedValue(const Variable& variable) const;
 
     Tableau tableau_;
     std::unordered_map<Constraint, Record> records_;
     std::unordered_map<Variable, VariableInfo> variables_;
+    std::vector<std::optional<Variable>> variableOf_;  // by symbol
     std::unordered_map<Variable, Edit> edits_;
 };
 

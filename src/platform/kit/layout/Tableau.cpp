@@ -43,14 +43,17 @@ bool lexLess(const std::array<double, 3>& a, const std::array<double, 3>& b) {
 Symbol Tableau::newSymbol(SymbolKind kind) {
     Symbol symbol;
     if (!released_.empty()) {
+        rememberReleased();
         symbol = released_.back();
         released_.pop_back();
+        rememberRow(symbol);
         symbols_[symbol] = SymbolInfo{};
     } else {
         symbol = static_cast<Symbol>(symbols_.size());
         symbols_.emplace_back();
     }
     symbols_[symbol].kind = kind;
+    noteChanged(symbol);
     return symbol;
 }
 
@@ -59,6 +62,8 @@ void Tableau::releaseSymbol(Symbol symbol) {
         takeRow(symbol);
     }
     eraseEverywhere(symbol);
+    rememberRow(symbol);
+    rememberReleased();
     symbols_[symbol] = SymbolInfo{};
     released_.push_back(symbol);
 }
@@ -68,25 +73,55 @@ void Tableau::clear() {
 }
 
 const std::vector<Symbol>& Tableau::column(Symbol symbol) {
-    std::vector<Symbol>& col = symbols_[symbol].column;
-    std::sort(col.begin(), col.end());
-    col.erase(std::unique(col.begin(), col.end()), col.end());
-    std::erase_if(col, [&](Symbol b) { return !symbols_[b].basic || !symbols_[b].row.contains(symbol); });
-    symbols_[symbol].cleanColumnSize = col.size();
-    return col;
+    SymbolInfo& info = symbols_[symbol];
+    if (info.staleEntries > 0) {
+        std::vector<Symbol>& col = info.column;
+        std::sort(col.begin(), col.end());
+        col.erase(std::unique(col.begin(), col.end()), col.end());
+        std::erase_if(col, [&](Symbol b) {
+            return b >= symbols_.size() || !symbols_[b].basic || !symbols_[b].row.contains(symbol);
+        });
+        info.staleEntries = 0;
+    }
+    return info.column;
 }
 
 void Tableau::noteDependents(Symbol basic, const std::vector<Symbol>& symbols) {
     for (Symbol s : symbols) {
-        SymbolInfo& info = symbols_[s];
-        info.column.push_back(basic);
-        if (info.column.size() > 2 * info.cleanColumnSize + 32) {
-            column(s);
-        }
+        symbols_[s].column.push_back(basic);
     }
 }
 
+void Tableau::noteStale(Symbol symbol) {
+    SymbolInfo& info = symbols_[symbol];
+    // Clean once stale entries could make up a third of the list, so it stays proportional to the
+    // rows that really depend on the symbol.
+    if (++info.staleEntries > info.column.size() / 2 + 32) {
+        column(symbol);
+    }
+}
+
+void Tableau::noteChanged(Symbol symbol) {
+    SymbolInfo& info = symbols_[symbol];
+    if (info.kind == SymbolKind::External && !info.changed) {
+        info.changed = true;
+        changedExternals_.push_back(symbol);
+    }
+}
+
+std::vector<Symbol> Tableau::takeChangedExternals() {
+    std::vector<Symbol> changed;
+    changed.swap(changedExternals_);
+    for (Symbol s : changed) {
+        if (s < symbols_.size()) {
+            symbols_[s].changed = false;
+        }
+    }
+    return changed;
+}
+
 void Tableau::checkRow(Symbol basic) {
+    noteChanged(basic);
     const SymbolInfo& info = symbols_[basic];
     double k = info.row.constant();
     if (info.kind == SymbolKind::Dummy) {
@@ -101,12 +136,17 @@ void Tableau::checkRow(Symbol basic) {
 void Tableau::substituteEverywhere(Symbol symbol, const Row& replacement) {
     std::vector<Symbol> dependents = column(symbol);
     for (Symbol b : dependents) {
+        rememberRow(b);
         scratch_.clear();
-        if (symbols_[b].row.substitute(symbol, replacement, &scratch_)) {
-            noteDependents(b, scratch_);
-            checkRow(b);
+        scratchRemoved_.clear();
+        symbols_[b].row.substitute(symbol, replacement, &scratch_, &scratchRemoved_);
+        noteDependents(b, scratch_);
+        for (Symbol gone : scratchRemoved_) {
+            noteStale(gone);
         }
+        checkRow(b);
     }
+    rememberObjective();
     for (Row& level : objective_) {
         level.substitute(symbol, replacement);
     }
@@ -114,14 +154,16 @@ void Tableau::substituteEverywhere(Symbol symbol, const Row& replacement) {
         artificial_->substitute(symbol, replacement);
     }
     symbols_[symbol].column.clear();
-    symbols_[symbol].cleanColumnSize = 0;
+    symbols_[symbol].staleEntries = 0;
 }
 
 void Tableau::eraseEverywhere(Symbol symbol) {
     std::vector<Symbol> dependents = column(symbol);
     for (Symbol b : dependents) {
+        rememberRow(b);
         symbols_[b].row.erase(symbol);
     }
+    rememberObjective();
     for (Row& level : objective_) {
         level.erase(symbol);
     }
@@ -129,11 +171,12 @@ void Tableau::eraseEverywhere(Symbol symbol) {
         artificial_->erase(symbol);
     }
     symbols_[symbol].column.clear();
-    symbols_[symbol].cleanColumnSize = 0;
+    symbols_[symbol].staleEntries = 0;
 }
 
 void Tableau::addRow(Symbol subject, Row row) {
     substituteEverywhere(subject, row);
+    rememberRow(subject);
     SymbolInfo& info = symbols_[subject];
     info.basic = true;
     info.row = std::move(row);
@@ -147,11 +190,16 @@ void Tableau::addRow(Symbol subject, Row row) {
 }
 
 Row Tableau::takeRow(Symbol basic) {
+    rememberRow(basic);
+    noteChanged(basic);
     SymbolInfo& info = symbols_[basic];
     info.basic = false;
     Row row = std::move(info.row);
     info.row = Row();
     infeasible_.erase(basic);
+    for (const Row::Cell& cell : row.cells()) {
+        noteStale(cell.symbol);
+    }
     return row;
 }
 
@@ -162,6 +210,7 @@ void Tableau::pivot(Symbol entering, Symbol leaving) {
 }
 
 void Tableau::addToObjective(Symbol symbol, const strength::Levels& weights, double sign) {
+    rememberObjective();
     const double w[3] = {weights.strong, weights.medium, weights.weak};
     for (std::size_t i = 0; i < objective_.size(); ++i) {
         if (w[i] == 0) {
@@ -229,7 +278,7 @@ Symbol Tableau::leavingFor(Symbol entering) {
             continue;
         }
         double ratio = std::max(row(b).constant(), 0.0) / -a;
-        if (ratio < bestRatio) {  // ids ascend: an exact tie keeps the lower one
+        if (ratio < bestRatio || (ratio == bestRatio && b < best)) {
             bestRatio = ratio;
             best = b;
         }
@@ -287,15 +336,18 @@ bool Tableau::addRowThroughArtificial(const Row& row) {
 bool Tableau::shift(Symbol symbol, double delta) {
     pinnedBroken_ = false;
     if (isBasic(symbol)) {
+        rememberRow(symbol, true);
         symbols_[symbol].row.addToConstant(-delta);
         checkRow(symbol);
         return !pinnedBroken_;
     }
     for (Symbol b : column(symbol)) {
+        rememberRow(b, true);
         Row& r = symbols_[b].row;
         r.addToConstant(r.coefficient(symbol) * delta);
         checkRow(b);
     }
+    rememberObjective(true);
     for (Row& level : objective_) {
         level.addToConstant(level.coefficient(symbol) * delta);
     }
@@ -342,37 +394,142 @@ bool Tableau::dualOptimize() {
 Symbol Tableau::leavingRowForMarker(Symbol marker) {
     // A pinned row takes the marker at no cost. Otherwise prefer a restricted row that the marker
     // lowers (smallest ratio), then one it raises, and only then an external row: the remaining rows
-    // stay feasible and restricted rows keep depending on restricted symbols only.
-    Symbol lowers = noSymbol;
-    Symbol raises = noSymbol;
-    Symbol external = noSymbol;
-    double lowersRatio = std::numeric_limits<double>::infinity();
-    double raisesRatio = lowersRatio;
+    // stay feasible and restricted rows keep depending on restricted symbols only. Ties go to the
+    // lower id.
+    constexpr double inf = std::numeric_limits<double>::infinity();
+    struct Best {
+        Symbol symbol = noSymbol;
+        double ratio = inf;
+        void offer(Symbol s, double r) {
+            if (r < ratio || (r == ratio && s < symbol)) {
+                symbol = s;
+                ratio = r;
+            }
+        }
+    };
+    Best pinned, lowers, raises, external;
     for (Symbol b : column(marker)) {
         double a = row(b).coefficient(marker);
         double k = row(b).constant();
+        if (a == 0) {
+            continue;
+        }
         switch (kind(b)) {
             case SymbolKind::Dummy:
-                return b;
+                pinned.offer(b, 0);
+                break;
             case SymbolKind::External:
-                if (external == noSymbol) {
-                    external = b;
-                }
+                external.offer(b, 0);
                 break;
             default:
-                if (a < 0 && -k / a < lowersRatio) {
-                    lowersRatio = -k / a;
-                    lowers = b;
-                } else if (a > 0 && k / a < raisesRatio) {
-                    raisesRatio = k / a;
-                    raises = b;
-                }
+                (a < 0 ? lowers : raises).offer(b, std::fabs(k / a));
         }
     }
-    if (lowers != noSymbol) {
-        return lowers;
+    for (const Best& choice : {pinned, lowers, raises, external}) {
+        if (choice.symbol != noSymbol) {
+            return choice.symbol;
+        }
     }
-    return raises != noSymbol ? raises : external;
+    return noSymbol;
+}
+
+void Tableau::begin() {
+    journal_ =
+        Journal{++journalCount_, symbols_.size(), {}, std::nullopt, std::nullopt, std::nullopt, infeasible_};
+}
+
+void Tableau::commit() {
+    journal_.reset();
+}
+
+void Tableau::rollback() {
+    Journal journal = std::move(*journal_);
+    journal_.reset();
+    // Oldest entries last, so each symbol ends in its first remembered state.
+    for (auto it = journal.entries.rbegin(); it != journal.entries.rend(); ++it) {
+        if (it->symbol >= journal.symbolCount) {
+            continue;
+        }
+        SymbolInfo& info = symbols_[it->symbol];
+        for (const Row::Cell& cell : info.row.cells()) {
+            if (cell.symbol < journal.symbolCount) {
+                ++symbols_[cell.symbol].staleEntries;
+            }
+        }
+        noteChanged(it->symbol);
+        if (it->constantOnly) {
+            info.row.setConstant(it->row.constant());
+        } else {
+            info.kind = it->kind;
+            info.basic = it->basic;
+            info.row = std::move(it->row);
+        }
+    }
+    for (Symbol s = static_cast<Symbol>(journal.symbolCount); s < symbols_.size(); ++s) {
+        for (const Row::Cell& cell : symbols_[s].row.cells()) {
+            if (cell.symbol < journal.symbolCount) {
+                ++symbols_[cell.symbol].staleEntries;
+            }
+        }
+    }
+    symbols_.resize(journal.symbolCount);
+    // Columns were never journalled: entries may be stale (filtered on use) but restored rows must
+    // be listed again.
+    for (const Journal::Entry& entry : journal.entries) {
+        if (entry.symbol < symbols_.size() && symbols_[entry.symbol].basic) {
+            for (const Row::Cell& cell : symbols_[entry.symbol].row.cells()) {
+                symbols_[cell.symbol].column.push_back(entry.symbol);
+                ++symbols_[cell.symbol].staleEntries;  // may repeat an entry that survived
+            }
+        }
+    }
+    if (journal.released) {
+        released_ = std::move(*journal.released);
+    }
+    if (journal.objective) {
+        objective_ = std::move(*journal.objective);
+    }
+    if (journal.objectiveConstants) {  // taken before any structural change, so it wins
+        for (std::size_t i = 0; i < objective_.size(); ++i) {
+            objective_[i].setConstant((*journal.objectiveConstants)[i]);
+        }
+    }
+    infeasible_ = std::move(journal.infeasible);
+    artificial_.reset();
+}
+
+void Tableau::rememberRow(Symbol symbol, bool constantOnly) {
+    if (!journal_ || symbol >= journal_->symbolCount) {
+        return;
+    }
+    SymbolInfo& info = symbols_[symbol];
+    if (info.savedIn == journal_->id) {
+        return;
+    }
+    if (constantOnly) {
+        journal_->entries.push_back({symbol, true, info.kind, info.basic, Row(info.row.constant())});
+        return;  // a later structural change still gets its own entry
+    }
+    info.savedIn = journal_->id;
+    journal_->entries.push_back({symbol, false, info.kind, info.basic, info.row});
+}
+
+void Tableau::rememberObjective(bool constantsOnly) {
+    if (!journal_ || journal_->objective) {
+        return;
+    }
+    if (!constantsOnly) {
+        journal_->objective = objective_;
+    } else if (!journal_->objectiveConstants) {
+        journal_->objectiveConstants = {objective_[0].constant(), objective_[1].constant(),
+                                        objective_[2].constant()};
+    }
+}
+
+void Tableau::rememberReleased() {
+    if (journal_ && !journal_->released) {
+        journal_->released = released_;
+    }
 }
 
 std::string Tableau::invariantViolation() const {
@@ -404,6 +561,22 @@ std::string Tableau::invariantViolation() const {
             }
             if (std::find(released_.begin(), released_.end(), cell.symbol) != released_.end()) {
                 return "row " + name(b) + " depends on released " + name(cell.symbol);
+            }
+        }
+    }
+    for (Symbol s = 0; s < symbols_.size(); ++s) {
+        const SymbolInfo& info = symbols_[s];
+        if (info.staleEntries > 0) {
+            continue;
+        }
+        std::vector<Symbol> sorted = info.column;
+        std::sort(sorted.begin(), sorted.end());
+        if (std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end()) {
+            return "column of " + name(s) + " repeats an entry";
+        }
+        for (Symbol b : sorted) {
+            if (b >= symbols_.size() || !symbols_[b].basic || !symbols_[b].row.contains(s)) {
+                return "column of " + name(s) + " lists " + name(b) + " without counting it stale";
             }
         }
     }

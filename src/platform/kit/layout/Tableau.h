@@ -21,8 +21,8 @@ enum class SymbolKind : std::uint8_t { External, Slack, Error, Dummy };
 /// depend on a parametric symbol), a three-level objective, and the primal and dual simplex steps.
 ///
 /// Invariant kept by the solver: rows of restricted basic symbols and the objective depend on
-/// restricted symbols only, so optimising never has to bound an external variable. A copy is a
-/// full snapshot (used to undo a failed required addition).
+/// restricted symbols only, so optimising never has to bound an external variable. Failed required
+/// changes are undone through a journal (`begin`/`rollback`).
 class Tableau {
   public:
     Symbol newSymbol(SymbolKind kind);
@@ -57,6 +57,15 @@ class Tableau {
     /// The row to pivot `marker` into before dropping its constraint, keeping the others feasible.
     Symbol leavingRowForMarker(Symbol marker);
 
+    /// External symbols whose value may have changed since the last call (new ones included).
+    std::vector<Symbol> takeChangedExternals();
+
+    /// Journals every change from here on, so that `rollback()` can bring back this exact state.
+    /// Costs a copy of each row the change touches; `commit()` drops the journal.
+    void begin();
+    void commit();
+    void rollback();
+
     /// Describes the first broken tableau invariant, or returns "" (for tests and diagnostics).
     std::string invariantViolation() const;
 
@@ -65,14 +74,39 @@ class Tableau {
         SymbolKind kind = SymbolKind::External;
         bool basic = false;
         Row row;
-        // Basic symbols whose rows may depend on this one: may hold stale or repeated entries,
-        // cleaned by `column()`.
+        // Basic symbols whose rows depend on this one, in no particular order. Rows that stop
+        // depending on it leave stale (possibly later repeated) entries; `staleEntries` counts
+        // them, and `column()` cleans them out before anyone reads the list.
         std::vector<Symbol> column;
-        std::size_t cleanColumnSize = 0;
+        std::size_t staleEntries = 0;
+        std::uint64_t savedIn = 0;  // journal that already holds this row's first state
+        bool changed = false;       // listed in changedExternals_
     };
+    struct Journal {
+        struct Entry {
+            Symbol symbol;
+            bool constantOnly;
+            SymbolKind kind;
+            bool basic;
+            Row row;
+        };
+        std::uint64_t id;
+        std::size_t symbolCount;
+        std::vector<Entry> entries;
+        std::optional<std::vector<Symbol>> released;
+        std::optional<std::array<Row, 3>> objective;
+        std::optional<std::array<double, 3>> objectiveConstants;
+        std::set<Symbol> infeasible;
+    };
+
+    void rememberRow(Symbol symbol, bool constantOnly = false);
+    void rememberObjective(bool constantsOnly = false);
+    void rememberReleased();
 
     const std::vector<Symbol>& column(Symbol symbol);
     void noteDependents(Symbol basic, const std::vector<Symbol>& symbols);
+    void noteStale(Symbol symbol);
+    void noteChanged(Symbol symbol);
     void substituteEverywhere(Symbol symbol, const Row& replacement);
     void eraseEverywhere(Symbol symbol);
     void checkRow(Symbol basic);
@@ -89,6 +123,10 @@ class Tableau {
     std::set<Symbol> infeasible_;
     bool pinnedBroken_ = false;
     std::vector<Symbol> scratch_;
+    std::vector<Symbol> scratchRemoved_;
+    std::vector<Symbol> changedExternals_;
+    std::optional<Journal> journal_;
+    std::uint64_t journalCount_ = 0;
 };
 
 }  // namespace ovix::kit::layout

@@ -1,0 +1,103 @@
+#include <benchmark/benchmark.h>
+
+#include <vector>
+
+#include "platform/kit/layout/Solver.h"
+
+namespace {
+
+using namespace ovix::kit::layout;
+
+// A column of views in a 390-wide container: each view spans the width inside 20-point margins,
+// sits 8 points under the previous one and prefers 44 points of height; every third one must be at
+// least 50 tall. About four constraints per view, so 25 views make a form of ~100 constraints.
+struct ColumnForm {
+    struct View {
+        Variable left{"left"}, width{"width"}, top{"top"}, height{"height"};
+    };
+
+    explicit ColumnForm(int count) : views(static_cast<std::size_t>(count)) {
+        constraints.push_back(containerWidth);
+        for (std::size_t i = 0; i < views.size(); ++i) {
+            const View& v = views[i];
+            constraints.push_back(Expression(v.left) == 20);
+            constraints.push_back(v.left + v.width == container - 20);
+            if (i == 0) {
+                constraints.push_back(Expression(v.top) == 20);
+            } else {
+                const View& above = views[i - 1];
+                constraints.push_back(v.top == above.top + above.height + 8);
+            }
+            constraints.push_back((Expression(v.height) == 44) | strength::fromPriority(750));
+            if (i % 3 == 0) {
+                constraints.push_back(v.height >= 50);
+            }
+        }
+        lastHeight = constraints.back();
+        for (auto it = constraints.rbegin(); it != constraints.rend(); ++it) {
+            if (!it->isRequired()) {
+                lastHeight = *it;
+                break;
+            }
+        }
+    }
+
+    void addTo(Solver& solver) const {
+        for (const Constraint& c : constraints) {
+            solver.addConstraint(c);
+        }
+    }
+
+    Variable container{"container"};
+    Constraint containerWidth = Expression(container) == 390;
+    std::vector<View> views;
+    std::vector<Constraint> constraints;
+    Constraint lastHeight = containerWidth;
+};
+
+void SolveFromScratch(benchmark::State& state) {
+    ColumnForm form(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        Solver solver;
+        form.addTo(solver);
+        solver.updateVariables();
+        benchmark::DoNotOptimize(form.views.back().top.value());
+    }
+    state.counters["constraints"] = static_cast<double>(form.constraints.size());
+}
+
+// The container's width changes: every view's width follows.
+void ResolveAfterContainerWidthChange(benchmark::State& state) {
+    ColumnForm form(static_cast<int>(state.range(0)));
+    Solver solver;
+    form.addTo(solver);
+    double width = 390;
+    for (auto _ : state) {
+        width = width == 390 ? 428 : 390;
+        solver.setConstant(form.containerWidth, -width);
+        solver.updateVariables();
+        benchmark::DoNotOptimize(form.views.back().width.value());
+    }
+    state.counters["constraints"] = static_cast<double>(form.constraints.size());
+}
+
+// One view's preferred height changes (its label got a new text): only that view moves.
+void ResolveAfterOneHeightChange(benchmark::State& state) {
+    ColumnForm form(static_cast<int>(state.range(0)));
+    Solver solver;
+    form.addTo(solver);
+    double height = 44;
+    for (auto _ : state) {
+        height = height == 44 ? 60 : 44;
+        solver.setConstant(form.lastHeight, -height);
+        solver.updateVariables();
+        benchmark::DoNotOptimize(form.views.back().height.value());
+    }
+    state.counters["constraints"] = static_cast<double>(form.constraints.size());
+}
+
+BENCHMARK(SolveFromScratch)->Arg(25)->Arg(250)->Arg(2500)->Unit(benchmark::kMicrosecond);
+BENCHMARK(ResolveAfterContainerWidthChange)->Arg(25)->Arg(250)->Arg(2500)->Unit(benchmark::kMicrosecond);
+BENCHMARK(ResolveAfterOneHeightChange)->Arg(25)->Arg(250)->Arg(2500)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
