@@ -17,15 +17,19 @@ class PageServer {
   public:
     struct Seen {
         std::string path;
+        std::string target;  ///< path and query as sent
         std::string userAgent;
         std::string cookie;
+        std::string body;
     };
 
     PageServer() {
         server_.set_keep_alive_max_count(1);
-        server_.Get(".*", [this](const httplib::Request& request, httplib::Response& response) {
-            serve(request, response);
-        });
+        auto serve = [this](const httplib::Request& request, httplib::Response& response) {
+            this->serve(request, response);
+        };
+        server_.Get(".*", serve);
+        server_.Post(".*", serve);
         port_ = server_.bind_to_any_port("127.0.0.1");
         thread_ = std::thread([this] { server_.listen_after_bind(); });
         // stop() before the loop runs would be lost and the join below would never return.
@@ -69,6 +73,14 @@ class PageServer {
         return seen_;
     }
 
+    std::size_t countFor(const std::string& path) const {
+        std::size_t count = 0;
+        for (const auto& s : seen()) {
+            count += s.path == path ? 1 : 0;
+        }
+        return count;
+    }
+
     /// The last request for `path`; an empty record when there was none.
     Seen lastFor(const std::string& path) const {
         Seen last;
@@ -88,8 +100,8 @@ class PageServer {
 
     void serve(const httplib::Request& request, httplib::Response& response) {
         std::unique_lock lock(mutex_);
-        seen_.push_back(
-            {request.path, request.get_header_value("User-Agent"), request.get_header_value("Cookie")});
+        seen_.push_back({request.path, request.target, request.get_header_value("User-Agent"),
+                         request.get_header_value("Cookie"), request.body});
         for (const auto& path : held_) {
             if (path == request.path) {
                 wake_.wait(lock, [this] { return released_; });
@@ -98,6 +110,10 @@ class PageServer {
             }
         }
         auto found = pages_.find(request.path);
+        if (request.method == "POST") {
+            response.set_content("{}", "application/json");
+            return;
+        }
         if (found == pages_.end()) {
             response.status = 404;
             response.set_content("<html><body>missing</body></html>", "text/html");

@@ -11,6 +11,15 @@ struct PendingScript {
     WebKitGtkPage::ScriptCompletion completion;
 };
 
+// Calls a copy: the callback may destroy the page, and with it the function being run.
+template <class Function, class... Args>
+void callIfSet(const Function& callback, Args&&... args) {
+    if (callback) {
+        Function copy = callback;
+        copy(std::forward<Args>(args)...);
+    }
+}
+
 }  // namespace
 
 Value valueFromJavaScript(JSCValue* value) {
@@ -144,17 +153,13 @@ void WebKitGtkPage::onLoadChanged(WebKitWebView*, WebKitLoadEvent event, gpointe
     switch (event) {
         case WEBKIT_LOAD_STARTED:
             page->failed_ = false;
-            if (page->callbacks_.started) {
-                page->callbacks_.started();
-            }
+            callIfSet(page->callbacks_.started);
             break;
         case WEBKIT_LOAD_REDIRECTED:
             break;
         case WEBKIT_LOAD_COMMITTED:
             page->cancelLoadTimeout();
-            if (page->callbacks_.committed) {
-                page->callbacks_.committed();
-            }
+            callIfSet(page->callbacks_.committed);
             break;
         case WEBKIT_LOAD_FINISHED:
             page->cancelLoadTimeout();
@@ -162,8 +167,8 @@ void WebKitGtkPage::onLoadChanged(WebKitWebView*, WebKitLoadEvent event, gpointe
                 // WebKit closes a failed load with "finished" too; the failure was already reported.
                 page->failed_ = false;
                 page->stopping_ = false;
-            } else if (page->callbacks_.finished) {
-                page->callbacks_.finished();
+            } else {
+                callIfSet(page->callbacks_.finished);
             }
             break;
     }
@@ -173,18 +178,16 @@ gboolean WebKitGtkPage::onLoadFailed(WebKitWebView*, WebKitLoadEvent, char*, GEr
     auto* page = static_cast<WebKitGtkPage*>(self);
     page->cancelLoadTimeout();
     page->failed_ = true;
-    if (!page->stopping_ && page->callbacks_.failed) {
-        page->callbacks_.failed(errorFrom(error));
+    if (!page->stopping_) {
+        callIfSet(page->callbacks_.failed, errorFrom(error));
     }
     return TRUE;  // handled: no WebKit error page
 }
 
 void WebKitGtkPage::onScriptMessage(WebKitUserContentManager*, JSCValue* body, gpointer data) {
     auto* registration = static_cast<Registration*>(data);
-    auto& callbacks = registration->page->callbacks_;
-    if (callbacks.scriptMessage) {
-        callbacks.scriptMessage(registration->name, valueFromJavaScript(body));
-    }
+    callIfSet(registration->page->callbacks_.scriptMessage, std::string(registration->name),
+              valueFromJavaScript(body));
 }
 
 gboolean WebKitGtkPage::onLoadTimeout(gpointer self) {
@@ -194,9 +197,7 @@ gboolean WebKitGtkPage::onLoadTimeout(gpointer self) {
     // report the timeout ourselves and swallow whatever the stop produces.
     page->stopping_ = true;
     webkit_web_view_stop_loading(page->view_);
-    if (page->callbacks_.failed) {
-        page->callbacks_.failed(WebError{WebError::Kind::TimedOut, "The request timed out."});
-    }
+    callIfSet(page->callbacks_.failed, WebError{WebError::Kind::TimedOut, "The request timed out."});
     return G_SOURCE_REMOVE;
 }
 
