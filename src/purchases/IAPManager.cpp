@@ -38,11 +38,12 @@ void IAPManager::raiseBillingError(const std::string& text) {
 std::future<void> IAPManager::fetchProducts(std::vector<std::string> productIds) {
     auto services = platform::current();
     auto done = newPromise();
+    auto future = done->get_future();  // before the store's thread may set it
     services->store->products(productIds, [this, services, done](platform::Store::ProductsResult result) {
         fetched(*services, std::move(result));
         done->set_value();
     });
-    return done->get_future();
+    return future;
 }
 
 void IAPManager::fetched(const platform::Platform& services, platform::Store::ProductsResult result) {
@@ -130,8 +131,9 @@ void IAPManager::purchased(const std::shared_ptr<platform::Platform>& services,
 std::future<void> IAPManager::restorePurchases() {
     auto services = platform::current();
     auto done = newPromise();
+    auto future = done->get_future();
     restoreNext(services, services->store->currentEntitlements(), done);
-    return done->get_future();
+    return future;
 }
 
 void IAPManager::restoreNext(const std::shared_ptr<platform::Platform>& services,
