@@ -60,33 +60,35 @@ bool isSuccess(long status) {
     return status >= 200 && status <= 299;
 }
 
-// The object under "Data" of a parsed envelope.
-std::optional<Dictionary> dataObject(const std::optional<Dictionary>& envelope) {
+// The member "Data" of a parsed envelope, which gives it up.
+Value* dataMember(std::optional<Dictionary>& envelope) {
     if (!envelope) {
-        return std::nullopt;
+        return nullptr;
     }
     auto data = envelope->find("Data");
-    if (data == envelope->end() || data->second.asObject() == nullptr) {
-        return std::nullopt;
-    }
-    return *data->second.asObject();
+    return data == envelope->end() ? nullptr : &data->second;
 }
 
-std::optional<std::vector<Dictionary>> dataItems(const std::optional<Dictionary>& envelope) {
-    if (!envelope) {
+std::optional<Dictionary> dataObject(std::optional<Dictionary>& envelope) {
+    Value* data = dataMember(envelope);
+    if (data == nullptr || data->asObject() == nullptr) {
         return std::nullopt;
     }
-    auto data = envelope->find("Data");
-    if (data == envelope->end() || data->second.asArray() == nullptr) {
+    return std::move(*data->asObject());
+}
+
+std::optional<std::vector<Dictionary>> dataItems(std::optional<Dictionary>& envelope) {
+    Value* data = dataMember(envelope);
+    if (data == nullptr || data->asArray() == nullptr) {
         return std::nullopt;
     }
     std::vector<Dictionary> items;
-    items.reserve(data->second.asArray()->size());
-    for (const auto& element : *data->second.asArray()) {
+    items.reserve(data->asArray()->size());
+    for (auto& element : *data->asArray()) {
         if (element.asObject() == nullptr) {
             return std::nullopt;
         }
-        items.push_back(*element.asObject());
+        items.push_back(std::move(*element.asObject()));
     }
     return items;
 }
@@ -187,7 +189,7 @@ std::future<std::optional<UserEligibilityResponse>> APIService::checkEligibility
 
 void APIService::uploadImage(const platform::RgbaImage& picture, DictionaryCompletion completion) {
     sendBuilt(APIRequest::imageUpload(picture), std::move(completion),
-              [](const std::optional<Dictionary>& envelope) { return envelope; });
+              [](std::optional<Dictionary>& envelope) { return std::move(envelope); });
 }
 
 }  // namespace ovix

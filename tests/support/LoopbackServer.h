@@ -131,6 +131,7 @@ class LoopbackServer {
         : server_(std::move(server)), scheme_(std::move(scheme)) {
         server_->new_task_queue = [] { return new httplib::ThreadPool(16); };  // room for stalled answers
         server_->set_keep_alive_max_count(1000000);
+        server_->set_tcp_nodelay(true);
         // cpp-httplib would parse a multipart body into parts and drop the raw bytes: hide the type
         // while the body is read; `handle` puts it back.
         server_->set_pre_routing_handler([](const httplib::Request& request, httplib::Response&) {

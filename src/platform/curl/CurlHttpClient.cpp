@@ -8,6 +8,7 @@
 #include <cmath>
 #include <map>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 namespace ovix::platform {
@@ -92,8 +93,8 @@ struct Transfer {
     }
 
     // Configures the easy handle; false, with the reason in `done`, when libcurl refuses an option.
-    bool prepare(const CurlHttpClient::Options& options) {
-        easy = curl_easy_init();
+    bool prepare(CURL* handle, const CurlHttpClient::Options& options) {
+        easy = handle;
         if (easy == nullptr) {
             done = CURLE_OUT_OF_MEMORY;
             return false;
@@ -195,6 +196,8 @@ struct CurlHttpClient::Engine {
 
     // Worker thread only.
     std::map<CURL*, std::unique_ptr<Transfer>> running;
+    static constexpr std::size_t kSpareHandles = 16;
+    std::vector<CURL*> spare;  // finished handles, reset, for reuse
 
     explicit Engine(Options o) : options(std::move(o)), multi(curl_multi_init()) {}
 
@@ -203,6 +206,9 @@ struct CurlHttpClient::Engine {
             curl_multi_remove_handle(multi, easy);
         }
         running.clear();
+        for (CURL* easy : spare) {
+            curl_easy_cleanup(easy);
+        }
         curl_multi_cleanup(multi);
     }
 
@@ -236,7 +242,14 @@ struct CurlHttpClient::Engine {
             batch.swap(queued);
         }
         for (auto& transfer : batch) {
-            if (!transfer->prepare(options)) {
+            CURL* handle = nullptr;
+            if (spare.empty()) {
+                handle = curl_easy_init();
+            } else {
+                handle = spare.back();
+                spare.pop_back();
+            }
+            if (!transfer->prepare(handle, options)) {
                 finished.push_back(std::move(transfer));
                 continue;
             }
@@ -268,10 +281,15 @@ struct CurlHttpClient::Engine {
         }
     }
 
-    // The transfer (its body and handle) is released before the completion runs.
-    static void deliver(std::unique_ptr<Transfer> transfer) {
+    // The transfer (its body) is released before the completion runs; its handle is kept for the
+    // next request.
+    void deliver(std::unique_ptr<Transfer> transfer) {
         auto completion = std::move(transfer->completion);
         auto result = transfer->result(transfer->done);
+        if (transfer->easy != nullptr && spare.size() < kSpareHandles) {
+            curl_easy_reset(transfer->easy);
+            spare.push_back(std::exchange(transfer->easy, nullptr));
+        }
         transfer.reset();
         completion(std::move(result));
     }
