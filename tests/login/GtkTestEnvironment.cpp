@@ -89,3 +89,7 @@ extern "C" const char* __lsan_default_suppressions() {
            "leak:libgobject-2.0.so\nleak:libfontconfig.so\nleak:libEGL\nleak:libGLX\nleak:libgio-2.0.so\n"
            "leak:libpango\nleak:libcairo\nleak:libharfbuzz\nleak:libX11\nleak:libxkbcommon\n";
 }
+
+// Those libraries are built without frame pointers: only the slow unwinder finds the frames that
+// the suppressions above name.
+extern "C" const char* __asan_default_options() { return "fast_unwind_on_malloc=0"; }
