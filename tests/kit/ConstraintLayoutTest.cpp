@@ -67,6 +67,23 @@ TEST_F(ConstraintLayout, ContainerClampsBetweenMinAndMaxInsideMargins) {
     EXPECT_EQ(headless.console->lines().size(), 1u);
 }
 
+TEST_F(ConstraintLayout, OfTwoConflictingRequiredConstraintsTheLaterActivatedBreaks) {
+    auto root = View::create({0, 0, 300, 100});
+    auto child = constrained();
+    root->addSubview(child);
+    LayoutConstraint::activate({child->topAnchor().constraintEqualTo(root->topAnchor()),
+                                child->leadingAnchor().constraintEqualTo(root->leadingAnchor()),
+                                child->heightAnchor().constraintEqualToConstant(10)});
+    auto own = child->widthAnchor().constraintEqualToConstant(100);  // held by the child itself
+    own->setActive(true);
+    auto stretch = child->widthAnchor().constraintEqualTo(root->widthAnchor());  // held by the root
+    stretch->setActive(true);
+    root->layoutIfNeeded();
+    EXPECT_EQ(child->frame().width(), 100) << "the holder does not decide; the activation order does";
+    ASSERT_EQ(headless.console->lines().size(), 1u);
+    EXPECT_NE(headless.console->lines()[0].find(stretch->description()), std::string::npos);
+}
+
 TEST_F(ConstraintLayout, ConstantsMultipliersAndPrioritiesChangeAfterActivation) {
     auto root = View::create({0, 0, 400, 400});
     auto a = constrained();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -79,6 +80,8 @@ class LayoutConstraint : public std::enable_shared_from_this<LayoutConstraint> {
     std::weak_ptr<View> holder_;
     /// Bumped by every change of constant or priority so the engine can update incrementally.
     unsigned revision_ = 0;
+    /// When it was last activated, process-wide: the solver takes constraints in this order.
+    std::uint64_t activationOrder_ = 0;
 };
 
 }  // namespace ovix::kit

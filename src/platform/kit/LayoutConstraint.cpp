@@ -127,7 +127,9 @@ void LayoutConstraint::setActive(bool active) {
                                                 ": its items have no common ancestor");
         return;
     }
+    static std::uint64_t activations = 0;
     active_ = true;
+    activationOrder_ = ++activations;
     holder->installConstraint(shared_from_this());
 }
 

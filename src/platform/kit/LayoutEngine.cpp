@@ -1,5 +1,6 @@
 #include "platform/kit/LayoutEngine.h"
 
+#include <algorithm>
 #include <cmath>
 #include <sstream>
 #include <unordered_set>
@@ -360,6 +361,12 @@ std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting*
             }
         }
     }
+
+    // In activation order, whichever view holds them: the order the user wrote them in decides
+    // which of two conflicting ones breaks, and it keeps the solver's rows short (a chain of views
+    // meets each height before the view below it).
+    std::sort(active.begin(), active.end(),
+              [](const auto& a, const auto& b) { return a->activationOrder_ < b->activationOrder_; });
 
     std::vector<std::shared_ptr<View>> views;
     for (auto& view : tree) {
