@@ -92,4 +92,6 @@ extern "C" const char* __lsan_default_suppressions() {
 
 // Those libraries are built without frame pointers: only the slow unwinder finds the frames that
 // the suppressions above name.
-extern "C" const char* __asan_default_options() { return "fast_unwind_on_malloc=0"; }
+extern "C" const char* __asan_default_options() {
+    return "fast_unwind_on_malloc=0";
+}

@@ -1,6 +1,10 @@
 // The login screen on the real desktop engine: WebKitGTK under a private X server, the accounts
 // host played by a loopback server, the main queue on GLib's main loop.
 #include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <filesystem>
 
 #include "core/RecordingListener.h"
 #include "core/SessionManager.h"
@@ -13,6 +17,7 @@
 #include "ovix/kit/Window.h"
 #include "ovix/testing/HeadlessPlatform.h"
 #include "platform/gtk/GlibMainQueue.h"
+#include "platform/gtk/GtkWindowHost.h"
 #include "platform/webkitgtk/WebKitGtkEngine.h"
 #include "ui/login/LoginViewController.h"
 
@@ -65,8 +70,9 @@ PageServer& accounts() {
 
 class WebKitLoginTest : public ::testing::Test {
   protected:
-    WebKitLoginTest() {
+    explicit WebKitLoginTest(std::filesystem::path codeResources = ".") {
         testing::HeadlessPlatform::Options options;
+        options.codeResources = std::move(codeResources);
         options.environment = platform::Environment::emulator(accounts().url(""));
         h = testing::HeadlessPlatform::create(options);
         h.platform->mainQueue = std::make_shared<platform::gtk::GlibMainQueue>();
@@ -153,6 +159,102 @@ TEST_F(WebKitLoginTest, AChannelOpenedAfterTheViewWasMadeReachesThePage) {
     view->load({accounts().url("/late")});
     ASSERT_TRUE(pumpUntil([&] { return !channel->bodies.empty(); }));
     EXPECT_EQ(channel->bodies[0], Value(Array{Value(1u), Value("two")}));
+}
+
+// The login window as a player sees it on the desktop: the kit's views drawn around the real page.
+class LoginWindowTest : public WebKitLoginTest {
+  protected:
+    LoginWindowTest() : WebKitLoginTest(makeBundle()) {}
+    ~LoginWindowTest() override {
+        std::error_code ignored;
+        std::filesystem::remove_all(bundleDirectory(), ignored);
+    }
+
+    static std::filesystem::path bundleDirectory() {
+        return std::filesystem::temp_directory_path() / ("ovix-login-window-" + std::to_string(::getpid()));
+    }
+
+    /// The SDK's resources with its logo, drawn here: a red disc with a white ring.
+    static std::filesystem::path makeBundle() {
+        const auto bundle = bundleDirectory();
+        std::filesystem::create_directories(bundle / "OvixSdkResources.bundle");
+        cairo_surface_t* logo = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 300, 300);
+        cairo_t* cr = cairo_create(logo);
+        cairo_set_source_rgb(cr, 0.86, 0.12, 0.16);
+        cairo_arc(cr, 150, 150, 140, 0, 2 * M_PI);
+        cairo_fill(cr);
+        cairo_set_source_rgb(cr, 1, 1, 1);
+        cairo_set_line_width(cr, 36);
+        cairo_arc(cr, 150, 150, 70, 0, 2 * M_PI);
+        cairo_stroke(cr);
+        cairo_destroy(cr);
+        cairo_surface_write_to_png(logo, (bundle / "OvixSdkResources.bundle" / "ic_sdk_splash.png").c_str());
+        cairo_surface_destroy(logo);
+        return bundle;
+    }
+
+    /// Whether two 0xRRGGBB colours differ by at most `tolerance` in every channel.
+    static bool near(unsigned a, unsigned b, int tolerance = 2) {
+        for (int shift : {0, 8, 16}) {
+            if (std::abs(static_cast<int>((a >> shift) & 0xFF) - static_cast<int>((b >> shift) & 0xFF)) >
+                tolerance) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    /// The colour at a point of a PNG, as 0xRRGGBB.
+    static unsigned pixel(const std::filesystem::path& png, int x, int y) {
+        cairo_surface_t* image = cairo_image_surface_create_from_png(png.c_str());
+        unsigned rgb = 0xFFFFFFFFu;
+        if (cairo_surface_status(image) == CAIRO_STATUS_SUCCESS) {
+            const auto* row = cairo_image_surface_get_data(image) + y * cairo_image_surface_get_stride(image);
+            rgb = reinterpret_cast<const std::uint32_t*>(row)[x] & 0xFFFFFFu;
+        }
+        cairo_surface_destroy(image);
+        return rgb;
+    }
+};
+
+TEST_F(LoginWindowTest, ThePageShowsUnderTheOverlayAndTheBackButton) {
+    const std::string first = "/login-window/first";
+    accounts().hold(authPath);
+    auto window = h.application->windows().front();
+    platform::gtk::GtkWindowHost host(window, "Ovix login");
+    host.present();
+    OvixCore::shared().showLogin();
+    auto screen = std::dynamic_pointer_cast<LoginViewController>(
+        std::dynamic_pointer_cast<kit::NavigationController>(window->rootViewController())
+            ->topViewController());
+    ASSERT_NE(screen, nullptr);
+
+    // While the page is on its way: the logo and the bar over an empty page.
+    const auto loading = std::filesystem::current_path() / "login-window-loading.png";
+    ASSERT_TRUE(pumpUntil([&] { return accounts().countFor(authPath) > 0 && host.writeSnapshot(loading); }));
+    EXPECT_EQ(pixel(loading, 5, 5), 0xFFFFFFu);
+    EXPECT_TRUE(near(pixel(loading, 127, 422), 0xDB1F29u)) << "the logo";  // 77 + 50, 372 + 50
+    const unsigned track = pixel(loading, 310, 422);                       // the bar's far end: track only
+    EXPECT_NE(track, 0xFFFFFFu);
+    EXPECT_EQ(track >> 16, track & 0xFF) << "a grey track";
+
+    // The page arrives; it moves on to a page of its own, and the back button comes.
+    accounts().releaseHeld();
+    accounts().page(authPath, "<html><body style='margin:0;background:#ffffff'>sign in</body></html>");
+    accounts().page(first,
+                    "<html><body style='margin:0;background:#1e6bd6'><h1>Đăng nhập</h1></body></html>");
+    screen->webView()->load({accounts().url(authPath)});
+    ASSERT_TRUE(pumpUntil([&] { return screen->loadingView()->isHidden(); }));
+    screen->webView()->evaluateJavaScript("location.href = '" + first + "'", {});
+    ASSERT_TRUE(pumpUntil([&] {
+        return !screen->backButton()->isHidden() &&
+               screen->webView()->presentation(h.platform->mainQueue->now()).frame().origin.y == 80;
+    }));
+    const auto page = std::filesystem::current_path() / "login-window-page.png";
+    ASSERT_TRUE(pumpUntil([&] { return host.writeSnapshot(page) && pixel(page, 200, 600) == 0x1E6BD6u; }))
+        << "the page's own colour, drawn by WebKit";
+    EXPECT_EQ(pixel(page, 300, 40), 0xFFFFFFu) << "the screen's white above the lowered page";
+    EXPECT_TRUE(near(pixel(page, 20, 60), 0xFFFFFFu, 12)) << "inside the back button, over its shadow";
 }
 
 }  // namespace

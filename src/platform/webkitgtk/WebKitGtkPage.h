@@ -57,8 +57,8 @@ class WebKitGtkPage {
     /// or the error it threw. Always later, on GTK's thread.
     void evaluateJavaScript(const std::string& script, ScriptCompletion completion);
 
-    /// The web view widget. The page owns it; a host may parent it while the page lives and must
-    /// unparent it before destroying the page.
+    /// The web view widget. The page owns a reference; a host that parents it keeps it alive (silent,
+    /// once the page is gone) until the host removes it.
     GtkWidget* widget() const { return GTK_WIDGET(view_); }
 
   private:

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "ovix/platform/WebView.h"
+#include "platform/gtk/GtkEmbeddedView.h"
 #include "platform/webkitgtk/WebKitGtkPage.h"
 
 namespace ovix::platform::webkitgtk {
@@ -14,7 +15,7 @@ namespace ovix::platform::webkitgtk {
 ///
 /// Threading: GTK's thread, which must be the platform's main thread; events arrive from the GLib
 /// main loop. The view stays alive while it reports an event, even if the receiver drops it.
-class WebKitGtkWebView : public WebView, public UserContentController::Observer {
+class WebKitGtkWebView : public WebView, public UserContentController::Observer, public gtk::GtkEmbeddedView {
   public:
     static std::shared_ptr<WebKitGtkWebView> create(kit::Rect frame, WebViewConfiguration configuration);
     WebKitGtkWebView(kit::Rect frame, WebViewConfiguration configuration);
@@ -28,8 +29,7 @@ class WebKitGtkWebView : public WebView, public UserContentController::Observer 
 
     void userContentControllerDidAddScriptMessageHandler(const std::string& name) override;
 
-    /// The WebKit widget, owned by this view.
-    GtkWidget* widget() const { return page_->widget(); }
+    GtkWidget* widget() const override { return page_->widget(); }
 
     std::string className() const override { return "WebView"; }
 
