@@ -4,9 +4,9 @@
 //
 //   build/<dir>/bench/api/ovix_api_bench
 //
-// Ratios to read: UserInfo/sdk over UserInfo/raw_easy; FiveUploads*/sdk* over FiveUploads*/raw*.
-// The "peak_per_body_byte" counter is the highest resident-memory rise during one iteration divided by
-// the bytes of the five bodies.
+// Each benchmark runs the SDK and its raw baseline alternately and reports both means and their
+// ratio, "sdk_over_raw". The "*_peak_per_body_byte" counters are the highest rise of resident memory
+// during one run of that side, over the bytes of the five bodies.
 #include <benchmark/benchmark.h>
 #include <curl/curl.h>
 #include <httplib.h>
@@ -17,9 +17,11 @@
 
 #include <algorithm>
 #include <chrono>
+#include <condition_variable>
 #include <cstdio>
 #include <fstream>
 #include <future>
+#include <mutex>
 #include <random>
 #include <string>
 #include <thread>
@@ -244,30 +246,88 @@ struct RawMulti {
     }
 };
 
-// ---- user info ----
+// ---- pairing ----
 
-// Both user-info benchmarks time from the call to the moment the caller has the result: when
-// curl_easy_perform returns, and when the SDK's completion starts on the transport thread. How the
-// benchmark's own thread then learns of it is left out of the time.
 using Clock = std::chrono::steady_clock;
 
-void UserInfo_sdk(benchmark::State& state) {
-    for (auto _ : state) {
-        std::promise<std::pair<Clock::time_point, bool>> promise;
-        const auto start = Clock::now();
-        ovix::APIService::getUserInfo([&](std::optional<ovix::Dictionary> user) {
-            promise.set_value({Clock::now(), user.has_value()});
-        });
-        const auto [end, ok] = promise.get_future().get();
-        if (!ok) {
-            state.SkipWithError("user info failed");
-            break;
-        }
-        state.SetIterationTime(std::chrono::duration<double>(end - start).count());
-    }
+double secondsSince(Clock::time_point start, Clock::time_point end = Clock::now()) {
+    return std::chrono::duration<double>(end - start).count();
 }
 
-void UserInfo_raw_easy(benchmark::State& state) {
+double median(std::vector<double> samples) {
+    if (samples.empty()) {
+        return 0;
+    }
+    std::nth_element(samples.begin(), samples.begin() + samples.size() / 2, samples.end());
+    return samples[samples.size() / 2];
+}
+
+// Runs both sides once per iteration, in alternating order, so that both see the same machine load
+// (this machine is shared, and load drifts between separately run benchmarks). Reports each side's
+// median, which a compiler taking the processor for a moment does not move, and their ratio.
+template <typename Raw, typename Sdk>
+void paired(benchmark::State& state, Raw raw, Sdk sdk, double scale, const std::string& unit) {
+    std::vector<double> raws;
+    std::vector<double> sdks;
+    bool sdkFirst = false;
+    for (auto _ : state) {
+        double r = 0;
+        double s = 0;
+        if (sdkFirst) {
+            s = sdk();
+            r = raw();
+        } else {
+            r = raw();
+            s = sdk();
+        }
+        sdkFirst = !sdkFirst;
+        raws.push_back(r);
+        sdks.push_back(s);
+        state.SetIterationTime(r + s);
+    }
+    const double rawMedian = median(raws);
+    const double sdkMedian = median(sdks);
+    state.counters["raw_" + unit] = rawMedian * scale;
+    state.counters["sdk_" + unit] = sdkMedian * scale;
+    state.counters["sdk_over_raw"] = sdkMedian / rawMedian;
+}
+
+// Waits for `count` completions and answers when the last one started.
+class LastCompletion {
+  public:
+    explicit LastCompletion(int count) : left_(count) {}
+    std::function<void(std::optional<ovix::Dictionary>)> completion() {
+        return [this](std::optional<ovix::Dictionary> result) {
+            std::lock_guard lock(mutex_);
+            ok_ = ok_ && result.has_value();
+            last_ = Clock::now();
+            if (--left_ == 0) {
+                done_.notify_all();
+            }
+        };
+    }
+    Clock::time_point wait() {
+        std::unique_lock lock(mutex_);
+        done_.wait(lock, [&] { return left_ == 0; });
+        if (!ok_) {
+            std::fprintf(stderr, "an SDK request failed\n");
+            std::exit(1);
+        }
+        return last_;
+    }
+
+  private:
+    std::mutex mutex_;
+    std::condition_variable done_;
+    int left_;
+    bool ok_ = true;
+    Clock::time_point last_;
+};
+
+// ---- user info: from the call until the caller has the result (curl_easy_perform returns; the
+// SDK's completion starts on the transport thread) ----
+
+void UserInfo(benchmark::State& state) {
     CURL* easy = curl_easy_init();
     curl_slist* headers = curl_slist_append(nullptr, "Content-Type: application/json");
     headers = curl_slist_append(headers, "Authorization: Bearer token-123");
@@ -278,121 +338,114 @@ void UserInfo_raw_easy(benchmark::State& state) {
     curl_easy_setopt(easy, CURLOPT_HTTPHEADER, headers);
     curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &collect);
     curl_easy_setopt(easy, CURLOPT_WRITEDATA, &body);
-    for (auto _ : state) {
+    auto raw = [&] {
         body.clear();
         const auto start = Clock::now();
         if (curl_easy_perform(easy) != CURLE_OK) {
-            state.SkipWithError("raw GET failed");
-            break;
+            std::fprintf(stderr, "raw GET failed\n");
+            std::exit(1);
         }
-        state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
-        benchmark::DoNotOptimize(body.data());
-    }
+        return secondsSince(start);
+    };
+    auto sdk = [] {
+        LastCompletion done(1);
+        const auto start = Clock::now();
+        ovix::APIService::getUserInfo(done.completion());
+        return secondsSince(start, done.wait());
+    };
+    paired(state, raw, sdk, 1e6, "us");
     curl_slist_free_all(headers);
     curl_easy_cleanup(easy);
 }
 
-// ---- five concurrent uploads, pictures encoded as part of the work ----
+// ---- five concurrent uploads ----
 
-void reportPeak(benchmark::State& state, long peak) {
-    state.counters["peak_per_body_byte"] = static_cast<double>(peak) / static_cast<double>(totalBodyBytes());
-    state.counters["body_MiB"] = static_cast<double>(totalBodyBytes()) / (1 << 20);
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * totalBodyBytes()));
+void reportPeaks(benchmark::State& state, long rawPeak, long sdkPeak) {
+    const auto bodies = static_cast<double>(totalBodyBytes());
+    state.counters["raw_peak_per_body_byte"] = static_cast<double>(rawPeak) / bodies;
+    state.counters["sdk_peak_per_body_byte"] = static_cast<double>(sdkPeak) / bodies;
+    state.counters["body_MiB"] = bodies / (1 << 20);
 }
 
-void FiveUploads_sdk(benchmark::State& state) {
-    const auto& images = pictures();
-    long peak = 0;
-    for (auto _ : state) {
+// Bodies built beforehand: the transports alone.
+void FiveUploadsPrebuilt(benchmark::State& state) {
+    RawMulti multi;
+    long rawPeak = 0;
+    long sdkPeak = 0;
+    auto raw = [&] {
         PeakMeter meter;
         meter.start();
-        std::vector<std::promise<bool>> done(kUploads);
-        for (int i = 0; i < kUploads; ++i) {
-            ovix::APIService::uploadImage(images[i], [&done, i](std::optional<ovix::Dictionary> r) {
-                done[i].set_value(r.has_value());
-            });
-        }
-        for (auto& d : done) {
-            if (!d.get_future().get()) {
-                state.SkipWithError("upload failed");
-            }
-        }
-        peak = std::max(peak, meter.riseBytes());
-    }
-    reportPeak(state, peak);
-}
-
-void FiveUploads_raw_encode_then_multi(benchmark::State& state) {
-    const auto& images = pictures();
-    RawMulti raw;
-    long peak = 0;
-    for (auto _ : state) {
-        PeakMeter meter;
-        meter.start();
-        std::vector<std::string> bodies;
-        for (int i = 0; i < kUploads; ++i) {
-            bodies.push_back(plainBody(images[i], i));
-        }
-        raw.upload(bodies);
-        peak = std::max(peak, meter.riseBytes());
-    }
-    reportPeak(state, peak);
-}
-
-// ---- five concurrent uploads of bodies built beforehand: the transports alone ----
-
-void FiveUploadsPrebuilt_sdk_transport(benchmark::State& state) {
-    long peak = 0;
-    for (auto _ : state) {
-        state.PauseTiming();
+        const auto start = Clock::now();
+        multi.upload(prebuiltBodies());
+        const double seconds = secondsSince(start);
+        rawPeak = std::max(rawPeak, meter.riseBytes());
+        return seconds;
+    };
+    auto sdk = [&] {
         std::vector<ovix::platform::HttpRequest> requests(kUploads);
         for (int i = 0; i < kUploads; ++i) {
             requests[i].method = "POST";
             requests[i].url = gBase + kUploadPath;
             requests[i].headers = {{"Content-Type", "multipart/form-data; boundary=" + boundaryFor(i)},
                                    {"ClientID", "game-1"}};
-            requests[i].body = prebuiltBodies()[i];
+            requests[i].body = prebuiltBodies()[i];  // the copy is made before the clock starts
         }
         PeakMeter meter;
         meter.start();
-        state.ResumeTiming();
-        std::vector<std::promise<bool>> done(kUploads);
-        for (int i = 0; i < kUploads; ++i) {
-            ovix::APIService::sendAndParse(
-                std::move(requests[i]),
-                [&done, i](std::optional<ovix::Dictionary> r) { done[i].set_value(r.has_value()); });
+        LastCompletion done(kUploads);
+        const auto start = Clock::now();
+        for (auto& request : requests) {
+            ovix::APIService::sendAndParse(std::move(request), done.completion());
         }
-        for (auto& d : done) {
-            if (!d.get_future().get()) {
-                state.SkipWithError("upload failed");
-            }
-        }
-        peak = std::max(peak, meter.riseBytes());
-    }
-    reportPeak(state, peak);
+        const double seconds = secondsSince(start, done.wait());
+        sdkPeak = std::max(sdkPeak, meter.riseBytes());
+        return seconds;
+    };
+    paired(state, raw, sdk, 1e3, "ms");
+    reportPeaks(state, rawPeak, sdkPeak);
 }
 
-void FiveUploadsPrebuilt_raw_multi(benchmark::State& state) {
-    RawMulti raw;
-    long peak = 0;
-    for (auto _ : state) {
+// Pictures encoded as part of the work: the raw side encodes each picture, then concatenates the
+// body around it and uploads all five; the SDK uploads each picture as it is encoded.
+void FiveUploads(benchmark::State& state) {
+    const auto& images = pictures();
+    RawMulti multi;
+    long rawPeak = 0;
+    long sdkPeak = 0;
+    auto raw = [&] {
         PeakMeter meter;
         meter.start();
-        raw.upload(prebuiltBodies());
-        peak = std::max(peak, meter.riseBytes());
-    }
-    reportPeak(state, peak);
+        const auto start = Clock::now();
+        std::vector<std::string> bodies;
+        for (int i = 0; i < kUploads; ++i) {
+            bodies.push_back(plainBody(images[i], i));
+        }
+        multi.upload(bodies);
+        const double seconds = secondsSince(start);
+        rawPeak = std::max(rawPeak, meter.riseBytes());
+        return seconds;
+    };
+    auto sdk = [&] {
+        PeakMeter meter;
+        meter.start();
+        LastCompletion done(kUploads);
+        const auto start = Clock::now();
+        for (const auto& image : images) {
+            ovix::APIService::uploadImage(image, done.completion());
+        }
+        const double seconds = secondsSince(start, done.wait());
+        sdkPeak = std::max(sdkPeak, meter.riseBytes());
+        return seconds;
+    };
+    paired(state, raw, sdk, 1e3, "ms");
+    reportPeaks(state, rawPeak, sdkPeak);
 }
 
 }  // namespace
 
-// Pairs are interleaved so that both sides of a ratio see the same machine load.
-BENCHMARK(UserInfo_raw_easy)->Unit(benchmark::kMicrosecond)->MinTime(1.0)->UseManualTime();
-BENCHMARK(UserInfo_sdk)->Unit(benchmark::kMicrosecond)->MinTime(1.0)->UseManualTime();
-BENCHMARK(FiveUploadsPrebuilt_raw_multi)->Unit(benchmark::kMillisecond)->MinTime(2.0)->UseRealTime();
-BENCHMARK(FiveUploadsPrebuilt_sdk_transport)->Unit(benchmark::kMillisecond)->MinTime(2.0)->UseRealTime();
-BENCHMARK(FiveUploads_raw_encode_then_multi)->Unit(benchmark::kMillisecond)->MinTime(2.0)->UseRealTime();
-BENCHMARK(FiveUploads_sdk)->Unit(benchmark::kMillisecond)->MinTime(2.0)->UseRealTime();
+BENCHMARK(UserInfo)->Unit(benchmark::kMicrosecond)->MinTime(2.0)->UseManualTime();
+BENCHMARK(FiveUploadsPrebuilt)->Unit(benchmark::kMillisecond)->MinTime(4.0)->UseManualTime();
+BENCHMARK(FiveUploads)->Unit(benchmark::kMillisecond)->MinTime(4.0)->UseManualTime();
 
 int main(int argc, char** argv) {
     // Large blocks always come from and go back to the system, so that resident memory follows
