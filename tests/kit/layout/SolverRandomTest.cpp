@@ -14,11 +14,16 @@ namespace {
 using test::BruteForceOracle;
 using test::LinearConstraint;
 
-// Random systems over a few unknowns, driven through every solver operation; after each step the
-// solution is checked against the brute-force optimum of the constraints then active.
+// Random systems driven through every solver operation. After each step the required constraints
+// must hold and the bookkeeping be consistent. Small dense systems over a few unknowns are also
+// checked against the brute-force optimum of the constraints then active; larger ones are shaped
+// like layouts (each constraint ties one to three unknowns, with unit or simple multipliers).
 class RandomSystem {
   public:
-    RandomSystem(unsigned seed, std::size_t dimension) : rng_(seed), dimension_(dimension) {
+    enum class Shape { SmallDense, LayoutLike };
+
+    RandomSystem(unsigned seed, std::size_t dimension, Shape shape = Shape::SmallDense)
+        : rng_(seed), dimension_(dimension), withOracle_(shape == Shape::SmallDense) {
         for (std::size_t i = 0; i < dimension; ++i) {
             variables_.emplace_back("x" + std::to_string(i));
             // Weak pins keep the optimum on a vertex; the oracle relies on it.
@@ -97,19 +102,34 @@ class RandomSystem {
         return x;
     }
 
+    // Without the oracle nothing can be said, so the check passes.
     bool infeasible(const std::vector<LinearConstraint>& system) const {
-        return !BruteForceOracle::minimise(system, dimension_).feasible;
+        return !withOracle_ || !BruteForceOracle::minimise(system, dimension_).feasible;
     }
 
     void addRandom() {
         LinearConstraint c;
         c.coefficients.assign(dimension_, 0);
-        while (std::all_of(c.coefficients.begin(), c.coefficients.end(), [](double v) { return v == 0; })) {
-            for (double& v : c.coefficients) {
-                v = pick(0, 2) == 0 ? number(-3, 3) : 0;
+        if (withOracle_) {
+            while (
+                std::all_of(c.coefficients.begin(), c.coefficients.end(), [](double v) { return v == 0; })) {
+                for (double& v : c.coefficients) {
+                    v = pick(0, 2) == 0 ? number(-3, 3) : 0;
+                }
+            }
+            c.constant = number(-30, 30);
+        } else {
+            static const double multipliers[] = {1, -1, 1, -1, 0.5, -0.5, 2, 1.5};
+            int terms = pick(1, 3);
+            for (int t = 0; t < terms; ++t) {
+                c.coefficients[static_cast<std::size_t>(pick(0, static_cast<int>(dimension_) - 1))] +=
+                    t == 0 ? 1 : multipliers[pick(0, 7)];
+            }
+            c.constant = number(-300, 300);
+            if (std::all_of(c.coefficients.begin(), c.coefficients.end(), [](double v) { return v == 0; })) {
+                c.coefficients[0] = 1;
             }
         }
-        c.constant = number(-30, 30);
         c.relation = static_cast<Relation>(pick(0, 2));
         c.strength = randomStrength();
         std::vector<double> before = values();
@@ -204,6 +224,9 @@ class RandomSystem {
                     << "required constraint broken";
             }
         }
+        if (!withOracle_) {
+            return;
+        }
         auto best = BruteForceOracle::minimise(system, dimension_);
         ASSERT_TRUE(best.feasible);
         auto mine = BruteForceOracle::objective(system, x);
@@ -214,6 +237,7 @@ class RandomSystem {
 
     std::mt19937 rng_;
     std::size_t dimension_;
+    bool withOracle_;
     std::vector<Variable> variables_;
     std::vector<Active> active_;
     Solver solver_;
@@ -237,6 +261,22 @@ TEST(SolverRandom, EveryStepMatchesTheBruteForceOptimum) {
     // The generator must exercise both outcomes, or the checks above prove little.
     EXPECT_GT(unsatisfiable, 50);
     EXPECT_GT(added, 2000);
+}
+
+TEST(SolverRandom, LargerSystemsKeepRequiredConstraintsAndBookkeeping) {
+    int unsatisfiable = 0;
+    for (unsigned seed = 1; seed <= 30; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        RandomSystem system(seed, 12, RandomSystem::Shape::LayoutLike);
+        for (int i = 0; i < 150 && !testing::Test::HasFatalFailure(); ++i) {
+            system.step();
+        }
+        if (testing::Test::HasFailure()) {
+            return;
+        }
+        unsatisfiable += system.unsatisfiable;
+    }
+    EXPECT_GT(unsatisfiable, 20);
 }
 
 }  // namespace

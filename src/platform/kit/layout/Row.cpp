@@ -9,6 +9,7 @@ namespace {
 
 // Coefficients below this are round-off left behind by cancelling terms.
 constexpr double kPrune = 1e-9;
+constexpr double kCancel = 1e-9;
 
 bool negligible(double v) {
     return std::fabs(v) < kPrune;
@@ -61,8 +62,10 @@ void Row::insert(const Row& other, double factor, std::vector<Symbol>* added, st
             }
             ++b;
         } else {
-            double c = a->coefficient + factor * b->coefficient;
-            if (!negligible(c)) {
+            double added = factor * b->coefficient;
+            double c = a->coefficient + added;
+            // Near-total cancellation is round-off, whatever the magnitudes involved.
+            if (!negligible(c) && std::fabs(c) > kCancel * (std::fabs(a->coefficient) + std::fabs(added))) {
                 merged.push_back(Cell{a->symbol, c});
             } else if (removed) {
                 removed->push_back(a->symbol);

@@ -11,6 +11,9 @@ namespace {
 
 // Tolerance for signs of constants, coefficients and ratios that went through pivots.
 constexpr double kEps = 1e-8;
+// Smallest coefficient worth pivoting on: below it a coefficient is more likely round-off than
+// structure, and dividing by it would blow the tableau up.
+constexpr double kPivot = 1e-7;
 
 // Lexicographic sign of an objective coefficient spread over the three strength levels.
 bool lexNegative(const std::array<double, 3>& c) {
@@ -228,20 +231,19 @@ std::size_t Tableau::pivotBudget() const {
     return 1000 + 50 * symbols_.size();
 }
 
-Symbol Tableau::enteringFor(bool artificial) const {
+Symbol Tableau::enteringFor(bool artificial, Symbol from) const {
     auto pivotable = [&](Symbol s) {
         SymbolKind k = kind(s);
         return k == SymbolKind::Slack || k == SymbolKind::Error;
     };
     if (artificial) {
         for (const Row::Cell& cell : artificial_->cells()) {
-            if (cell.coefficient < -kEps && pivotable(cell.symbol)) {
+            if (cell.symbol >= from && cell.coefficient < -kEps && pivotable(cell.symbol)) {
                 return cell.symbol;
             }
         }
         return noSymbol;
     }
-    // Lowest-id symbol whose lexicographic cost is negative (Bland's rule: no cycling).
     std::array<std::size_t, 3> at{0, 0, 0};
     for (;;) {
         Symbol s = noSymbol;
@@ -260,7 +262,7 @@ Symbol Tableau::enteringFor(bool artificial) const {
                 cost[i] = cells[at[i]++].coefficient;
             }
         }
-        if (pivotable(s) && lexNegative(cost)) {
+        if (s >= from && pivotable(s) && lexNegative(cost)) {
             return s;
         }
     }
@@ -274,7 +276,7 @@ Symbol Tableau::leavingFor(Symbol entering) {
             continue;
         }
         double a = row(b).coefficient(entering);
-        if (a >= -kEps) {
+        if (a >= -kPivot) {
             continue;
         }
         double ratio = std::max(row(b).constant(), 0.0) / -a;
@@ -289,12 +291,17 @@ Symbol Tableau::leavingFor(Symbol entering) {
 bool Tableau::optimizeAgainst(bool artificial) {
     const std::size_t budget = pivotBudget();
     for (std::size_t step = 0;; ++step) {
-        Symbol entering = enteringFor(artificial);
+        // Lowest-id improving symbol that some row can take (Bland's rule: no cycling). One that
+        // only round-off limits is passed over: moving it cannot improve anything measurable.
+        Symbol entering = enteringFor(artificial, 0);
+        Symbol leaving = noSymbol;
+        while (entering != noSymbol && (leaving = leavingFor(entering)) == noSymbol) {
+            entering = enteringFor(artificial, entering + 1);
+        }
         if (entering == noSymbol) {
             return true;
         }
-        Symbol leaving = step < budget ? leavingFor(entering) : noSymbol;
-        if (leaving == noSymbol) {
+        if (step >= budget) {
             return false;
         }
         pivot(entering, leaving);
@@ -317,15 +324,21 @@ bool Tableau::addRowThroughArtificial(const Row& row) {
     }
     if (isBasic(art)) {
         const Row& artRow = this->row(art);
-        if (!artRow.empty()) {
-            // A degenerate pivot (the row's value is 0): prefer a symbol that may move.
-            Symbol entering = artRow.cells().front().symbol;
-            for (const Row::Cell& cell : artRow.cells()) {
-                if (kind(cell.symbol) != SymbolKind::Dummy) {
-                    entering = cell.symbol;
-                    break;
-                }
+        // A degenerate pivot (the row's value is 0): prefer a symbol that may move, then the
+        // largest coefficient. A row of round-off only is simply dropped.
+        Symbol entering = noSymbol;
+        double best = kPivot;
+        bool movable = false;
+        for (const Row::Cell& cell : artRow.cells()) {
+            bool canMove = kind(cell.symbol) != SymbolKind::Dummy;
+            double size = std::fabs(cell.coefficient);
+            if (size > kPivot && (canMove > movable || (canMove == movable && size > best))) {
+                entering = cell.symbol;
+                best = size;
+                movable = canMove;
             }
+        }
+        if (entering != noSymbol) {
             pivot(entering, art);
         }
     }
@@ -370,7 +383,7 @@ bool Tableau::dualOptimize() {
         std::array<double, 3> best{};
         for (const Row::Cell& cell : row(leaving).cells()) {
             SymbolKind k = kind(cell.symbol);
-            if (cell.coefficient <= kEps || (k != SymbolKind::Slack && k != SymbolKind::Error)) {
+            if (cell.coefficient <= kPivot || (k != SymbolKind::Slack && k != SymbolKind::Error)) {
                 continue;
             }
             std::array<double, 3> ratio{};
@@ -411,7 +424,7 @@ Symbol Tableau::leavingRowForMarker(Symbol marker) {
     for (Symbol b : column(marker)) {
         double a = row(b).coefficient(marker);
         double k = row(b).constant();
-        if (a == 0) {
+        if (std::fabs(a) <= kPivot) {
             continue;
         }
         switch (kind(b)) {

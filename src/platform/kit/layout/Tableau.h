@@ -112,7 +112,7 @@ class Tableau {
     void checkRow(Symbol basic);
     bool restrictedRow(Symbol basic) const;
     bool optimizeAgainst(bool artificial);
-    Symbol enteringFor(bool artificial) const;
+    Symbol enteringFor(bool artificial, Symbol from) const;
     Symbol leavingFor(Symbol entering);
     std::size_t pivotBudget() const;
 
