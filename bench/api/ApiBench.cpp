@@ -367,19 +367,28 @@ void reportPeaks(benchmark::State& state, long rawPeak, long sdkPeak) {
     state.counters["body_MiB"] = bodies / (1 << 20);
 }
 
+// Seconds from now until the moment `work` returns (when it finished), raising `peak` to the rise of
+// resident memory meanwhile.
+template <typename Work>
+double measured(long& peak, Work work) {
+    PeakMeter meter;
+    meter.start();
+    const auto start = Clock::now();
+    const Clock::time_point end = work();
+    peak = std::max(peak, meter.riseBytes());
+    return secondsSince(start, end);
+}
+
 // Bodies built beforehand: the transports alone.
 void FiveUploadsPrebuilt(benchmark::State& state) {
     RawMulti multi;
     long rawPeak = 0;
     long sdkPeak = 0;
     auto raw = [&] {
-        PeakMeter meter;
-        meter.start();
-        const auto start = Clock::now();
-        multi.upload(prebuiltBodies());
-        const double seconds = secondsSince(start);
-        rawPeak = std::max(rawPeak, meter.riseBytes());
-        return seconds;
+        return measured(rawPeak, [&] {
+            multi.upload(prebuiltBodies());
+            return Clock::now();
+        });
     };
     auto sdk = [&] {
         std::vector<ovix::platform::HttpRequest> requests(kUploads);
@@ -390,16 +399,13 @@ void FiveUploadsPrebuilt(benchmark::State& state) {
                                    {"ClientID", "game-1"}};
             requests[i].body = prebuiltBodies()[i];  // the copy is made before the clock starts
         }
-        PeakMeter meter;
-        meter.start();
-        LastCompletion done(kUploads);
-        const auto start = Clock::now();
-        for (auto& request : requests) {
-            ovix::APIService::sendAndParse(std::move(request), done.completion());
-        }
-        const double seconds = secondsSince(start, done.wait());
-        sdkPeak = std::max(sdkPeak, meter.riseBytes());
-        return seconds;
+        return measured(sdkPeak, [&] {
+            LastCompletion done(kUploads);
+            for (auto& request : requests) {
+                ovix::APIService::sendAndParse(std::move(request), done.completion());
+            }
+            return done.wait();
+        });
     };
     paired(state, raw, sdk, 1e3, "ms");
     reportPeaks(state, rawPeak, sdkPeak);
@@ -413,29 +419,23 @@ void FiveUploads(benchmark::State& state) {
     long rawPeak = 0;
     long sdkPeak = 0;
     auto raw = [&] {
-        PeakMeter meter;
-        meter.start();
-        const auto start = Clock::now();
-        std::vector<std::string> bodies;
-        for (int i = 0; i < kUploads; ++i) {
-            bodies.push_back(plainBody(images[i], i));
-        }
-        multi.upload(bodies);
-        const double seconds = secondsSince(start);
-        rawPeak = std::max(rawPeak, meter.riseBytes());
-        return seconds;
+        return measured(rawPeak, [&] {
+            std::vector<std::string> bodies;
+            for (int i = 0; i < kUploads; ++i) {
+                bodies.push_back(plainBody(images[i], i));
+            }
+            multi.upload(bodies);
+            return Clock::now();
+        });
     };
     auto sdk = [&] {
-        PeakMeter meter;
-        meter.start();
-        LastCompletion done(kUploads);
-        const auto start = Clock::now();
-        for (const auto& image : images) {
-            ovix::APIService::uploadImage(image, done.completion());
-        }
-        const double seconds = secondsSince(start, done.wait());
-        sdkPeak = std::max(sdkPeak, meter.riseBytes());
-        return seconds;
+        return measured(sdkPeak, [&] {
+            LastCompletion done(kUploads);
+            for (const auto& image : images) {
+                ovix::APIService::uploadImage(image, done.completion());
+            }
+            return done.wait();
+        });
     };
     paired(state, raw, sdk, 1e3, "ms");
     reportPeaks(state, rawPeak, sdkPeak);
