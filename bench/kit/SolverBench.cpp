@@ -66,34 +66,29 @@ void SolveFromScratch(benchmark::State& state) {
     state.counters["constraints"] = static_cast<double>(form.constraints.size());
 }
 
-// The container's width changes: every view's width follows.
-void ResolveAfterContainerWidthChange(benchmark::State& state) {
+// Flips one constraint's constant between two values and re-solves each time.
+void Resolve(benchmark::State& state, Constraint ColumnForm::*changed, double a, double b) {
     ColumnForm form(static_cast<int>(state.range(0)));
     Solver solver;
     form.addTo(solver);
-    double width = 390;
+    double value = a;
     for (auto _ : state) {
-        width = width == 390 ? 428 : 390;
-        solver.setConstant(form.containerWidth, -width);
+        value = value == a ? b : a;
+        solver.setConstant(form.*changed, -value);
         solver.updateVariables();
-        benchmark::DoNotOptimize(form.views.back().width.value());
+        benchmark::DoNotOptimize(form.views.back().top.value());
     }
     state.counters["constraints"] = static_cast<double>(form.constraints.size());
 }
 
-// One view's preferred height changes (its label got a new text): only that view moves.
+// The container's width changes: every view's width follows.
+void ResolveAfterContainerWidthChange(benchmark::State& state) {
+    Resolve(state, &ColumnForm::containerWidth, 390, 428);
+}
+
+// The last view's preferred height changes (its label got a new text): only that view moves.
 void ResolveAfterOneHeightChange(benchmark::State& state) {
-    ColumnForm form(static_cast<int>(state.range(0)));
-    Solver solver;
-    form.addTo(solver);
-    double height = 44;
-    for (auto _ : state) {
-        height = height == 44 ? 60 : 44;
-        solver.setConstant(form.lastHeight, -height);
-        solver.updateVariables();
-        benchmark::DoNotOptimize(form.views.back().height.value());
-    }
-    state.counters["constraints"] = static_cast<double>(form.constraints.size());
+    Resolve(state, &ColumnForm::lastHeight, 44, 60);
 }
 
 BENCHMARK(SolveFromScratch)->Arg(25)->Arg(250)->Arg(2500)->Unit(benchmark::kMicrosecond);

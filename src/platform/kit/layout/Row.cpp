@@ -15,6 +15,12 @@ bool negligible(double v) {
     return std::fabs(v) < kPrune;
 }
 
+// Near-total cancellation is round-off, whatever the magnitudes involved.
+bool cancels(double a, double b) {
+    double sum = a + b;
+    return negligible(sum) || std::fabs(sum) <= kCancel * (std::fabs(a) + std::fabs(b));
+}
+
 }  // namespace
 
 std::vector<Row::Cell>::const_iterator Row::find(Symbol symbol) const {
@@ -43,6 +49,31 @@ void Row::insert(Symbol symbol, double coefficient) {
 
 void Row::insert(const Row& other, double factor, std::vector<Symbol>* added, std::vector<Symbol>* removed) {
     constant_ += factor * other.constant_;
+    if (other.cells_.size() * 16 < cells_.size()) {
+        // A few cells into a long row (the objective, typically): update in place.
+        for (const Cell& cell : other.cells_) {
+            double add = factor * cell.coefficient;
+            auto it = std::lower_bound(cells_.begin(), cells_.end(), cell.symbol,
+                                       [](const Cell& c, Symbol s) { return c.symbol < s; });
+            if (it == cells_.end() || it->symbol != cell.symbol) {
+                if (negligible(add)) {
+                    continue;
+                }
+                cells_.insert(it, Cell{cell.symbol, add});
+                if (added) {
+                    added->push_back(cell.symbol);
+                }
+            } else if (cancels(it->coefficient, add)) {
+                cells_.erase(it);
+                if (removed) {
+                    removed->push_back(cell.symbol);
+                }
+            } else {
+                it->coefficient += add;
+            }
+        }
+        return;
+    }
     // Merge of two sorted cell lists into a reused buffer, so long rows cost no allocation.
     thread_local std::vector<Cell> merged;
     merged.clear();
@@ -62,11 +93,9 @@ void Row::insert(const Row& other, double factor, std::vector<Symbol>* added, st
             }
             ++b;
         } else {
-            double added = factor * b->coefficient;
-            double c = a->coefficient + added;
-            // Near-total cancellation is round-off, whatever the magnitudes involved.
-            if (!negligible(c) && std::fabs(c) > kCancel * (std::fabs(a->coefficient) + std::fabs(added))) {
-                merged.push_back(Cell{a->symbol, c});
+            double add = factor * b->coefficient;
+            if (!cancels(a->coefficient, add)) {
+                merged.push_back(Cell{a->symbol, a->coefficient + add});
             } else if (removed) {
                 removed->push_back(a->symbol);
             }
