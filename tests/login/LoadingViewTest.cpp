@@ -33,18 +33,5 @@ TEST_F(LoadingViewTest, LogoAndBarSitSideBySideAroundTheViewsCentre) {
               (std::vector<std::shared_ptr<kit::View>>{loading->iconView(), loading->progressView()}));
 }
 
-TEST_F(LoadingViewTest, TheBarIsAThinRoundedRedLineOnAFaintTrack) {
-    auto loading = LoadingView::create();
-    auto bar = loading->progressView();
-    EXPECT_EQ(bar->progressViewStyle(), kit::ProgressViewStyle::defaultStyle);
-    EXPECT_EQ(bar->progressTintColor(), kit::Color::red());
-    EXPECT_EQ(bar->trackTintColor(), kit::Color::lightGray().withAlphaComponent(0.3));
-    EXPECT_EQ(bar->layer().cornerRadius(), 4.0);
-    EXPECT_TRUE(bar->clipsToBounds());
-    ASSERT_NE(loading->iconView()->image(), nullptr);
-    EXPECT_EQ(loading->iconView()->image()->name(), "ic_sdk_splash");
-    EXPECT_EQ(loading->iconView()->contentMode(), kit::ContentMode::scaleAspectFit);
-}
-
 }  // namespace
 }  // namespace ovix::test

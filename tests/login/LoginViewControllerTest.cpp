@@ -227,18 +227,6 @@ TEST_F(LoginViewControllerTest, TheBackButtonFollowsTheBackListAfterEachFinished
     EXPECT_EQ(web->goBackCount(), 1);
 }
 
-TEST_F(LoginViewControllerTest, TheBackButtonLooksAsDrawn) {
-    auto back = showLogin()->backButton();
-    EXPECT_EQ(back->buttonType(), kit::ButtonType::system);
-    EXPECT_EQ(back->tintColor(), kit::Color::black());
-    EXPECT_EQ(back->backgroundColor(), kit::Color::white().withAlphaComponent(0.8));
-    EXPECT_EQ(back->layer().cornerRadius(), 8.0);
-    EXPECT_EQ(back->layer().shadowColor(), kit::Color::black());
-    EXPECT_EQ(back->layer().shadowOpacity(), 0.2);
-    EXPECT_EQ(back->layer().shadowOffset(), (kit::Size{0, 1}));
-    EXPECT_EQ(back->layer().shadowRadius(), 2.0);
-}
-
 TEST_F(LoginViewControllerTest, TheTokenMessageStoresTheTokenRaisesTheEventAndClosesThePresentedScreen) {
     // Presented over a game screen, so that closing it shows.
     auto game = kit::ViewController::create();

@@ -107,18 +107,6 @@ TEST_F(WebKitGtkPageTest, AnUnregisteredNameIsNotOfferedToThePage) {
     EXPECT_TRUE(messages.empty());
 }
 
-TEST_F(WebKitGtkPageTest, TheCustomUserAgentIsSentAndSeenByThePage) {
-    const std::string agent = "Mozilla/5.0 (iPhone; CPU iPhone OS 16_6 like Mac OS X) AppleWebKit/605.1.15";
-    page->setCustomUserAgent(agent);
-    EXPECT_EQ(page->userAgent(), agent);
-    server.page("/ua", "<html><body>ua</body></html>");
-
-    loadAndFinish("/ua");
-
-    EXPECT_EQ(server.lastFor("/ua").userAgent, agent);
-    EXPECT_EQ(evaluate("navigator.userAgent").first, Value(agent));
-}
-
 TEST_F(WebKitGtkPageTest, ALoadStartsCommitsAndFinishesInOrder) {
     server.page("/a", "<html><body>a</body></html>");
     loadAndFinish("/a");

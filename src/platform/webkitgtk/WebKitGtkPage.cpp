@@ -94,7 +94,7 @@ std::string WebKitGtkPage::userAgent() const {
 
 void WebKitGtkPage::load(const URLRequest& request) {
     cancelLoadTimeout();
-    stopping_ = false;
+    loadingUrl_ = request.url;
     WebKitURIRequest* uriRequest = webkit_uri_request_new(request.url.c_str());
     webkit_web_view_load_request(view_, uriRequest);
     g_object_unref(uriRequest);
@@ -112,7 +112,10 @@ bool WebKitGtkPage::canGoBack() const {
 void WebKitGtkPage::goBack() {
     if (canGoBack()) {
         cancelLoadTimeout();
-        stopping_ = false;
+        WebKitBackForwardListItem* item =
+            webkit_back_forward_list_get_back_item(webkit_web_view_get_back_forward_list(view_));
+        const char* uri = item ? webkit_back_forward_list_item_get_uri(item) : nullptr;
+        loadingUrl_ = uri ? uri : "";
         webkit_web_view_go_back(view_);
     }
 }
@@ -159,14 +162,14 @@ void WebKitGtkPage::onLoadChanged(WebKitWebView*, WebKitLoadEvent event, gpointe
             break;
         case WEBKIT_LOAD_COMMITTED:
             page->cancelLoadTimeout();
+            page->stopping_ = false;  // whatever was stopped before is over
             callIfSet(page->callbacks_.committed);
             break;
         case WEBKIT_LOAD_FINISHED:
             page->cancelLoadTimeout();
-            if (page->failed_ || page->stopping_) {
+            if (page->failed_) {
                 // WebKit closes a failed load with "finished" too; the failure was already reported.
                 page->failed_ = false;
-                page->stopping_ = false;
             } else {
                 callIfSet(page->callbacks_.finished);
             }
@@ -174,13 +177,23 @@ void WebKitGtkPage::onLoadChanged(WebKitWebView*, WebKitLoadEvent event, gpointe
     }
 }
 
-gboolean WebKitGtkPage::onLoadFailed(WebKitWebView*, WebKitLoadEvent, char*, GError* error, gpointer self) {
+gboolean WebKitGtkPage::onLoadFailed(WebKitWebView*, WebKitLoadEvent, char* uri, GError* error,
+                                     gpointer self) {
     auto* page = static_cast<WebKitGtkPage*>(self);
-    page->cancelLoadTimeout();
+    const std::string failing = uri ? uri : "";
+    const WebError failure = errorFrom(error);
+    const bool cancelled = failure.kind == WebError::Kind::Cancelled;
     page->failed_ = true;
-    if (!page->stopping_) {
-        callIfSet(page->callbacks_.failed, errorFrom(error));
+    if (cancelled && page->stopping_ && failing == page->timedOutUrl_) {
+        page->stopping_ = false;  // the load we stopped on its time-out, reported then
+        return TRUE;
     }
+    // A cancellation of another address ends an earlier load that a newer one replaced; the newer
+    // one keeps its time-out.
+    if (!cancelled || failing == page->loadingUrl_) {
+        page->cancelLoadTimeout();
+    }
+    callIfSet(page->callbacks_.failed, failure);
     return TRUE;  // handled: no WebKit error page
 }
 
@@ -193,9 +206,10 @@ void WebKitGtkPage::onScriptMessage(WebKitUserContentManager*, JSCValue* body, g
 gboolean WebKitGtkPage::onLoadTimeout(gpointer self) {
     auto* page = static_cast<WebKitGtkPage*>(self);
     page->loadTimeout_ = 0;
-    // A load stopped before WebKit started it ends silently, one stopped later ends as "cancelled":
-    // report the timeout ourselves and swallow whatever the stop produces.
+    // A load stopped before WebKit started it ends silently, one stopped later ends as "cancelled",
+    // possibly after a newer load began: report the time-out now and swallow that cancellation.
     page->stopping_ = true;
+    page->timedOutUrl_ = page->loadingUrl_;
     webkit_web_view_stop_loading(page->view_);
     callIfSet(page->callbacks_.failed, WebError{WebError::Kind::TimedOut, "The request timed out."});
     return G_SOURCE_REMOVE;

@@ -85,8 +85,10 @@ class WebKitGtkPage {
     gulong loadChangedHandler_ = 0;
     gulong loadFailedHandler_ = 0;
     guint loadTimeout_ = 0;
-    bool failed_ = false;    // the current load failed: its "finished" is not reported
-    bool stopping_ = false;  // we stopped a load that timed out and reported it ourselves
+    bool failed_ = false;      // the current load failed: its "finished" is not reported
+    bool stopping_ = false;    // we stopped a load that timed out and reported it ourselves
+    std::string loadingUrl_;   // what `load` or `goBack` asked for last
+    std::string timedOutUrl_;  // the address of the load we stopped
 };
 
 /// The value a JavaScript value stands for in JSON; null for undefined, functions and the like.
