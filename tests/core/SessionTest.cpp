@@ -13,13 +13,6 @@ protected:
     ovix::SessionManager& session = ovix::SessionManager::shared();
 };
 
-TEST_F(Session, KeysAreTheFixedStrings) {
-    EXPECT_EQ(session.tokenKey, "ovix_token");
-    EXPECT_EQ(session.clientIdKey, "ovix_client_id");
-    EXPECT_EQ(session.packageNameKey, "ovix_package");
-    EXPECT_EQ(session.statusKey, "ovix_status");
-}
-
 TEST_F(Session, SaveWritesTokenThenStatusAsTwoWrites) {
     EXPECT_FALSE(headless.store->contains("ovix_status")) << "fresh install has no status at all";
     session.saveToken("tok-1");
