@@ -45,30 +45,19 @@ WebKitGtkWebsiteDataStore::WebKitGtkWebsiteDataStore(std::shared_ptr<Console> co
     : console_(std::move(console)) {}
 
 unsigned WebKitGtkWebsiteDataStore::webKitTypes(const std::set<WebsiteDataType>& types) {
+    // WebKitGTK keeps no WebSQL databases: nothing to ask for.
+    static constexpr std::pair<WebsiteDataType, unsigned> bitOf[] = {
+        {WebsiteDataType::Cookies, WEBKIT_WEBSITE_DATA_COOKIES},
+        {WebsiteDataType::SessionStorage, WEBKIT_WEBSITE_DATA_SESSION_STORAGE},
+        {WebsiteDataType::LocalStorage, WEBKIT_WEBSITE_DATA_LOCAL_STORAGE},
+        {WebsiteDataType::IndexedDBDatabases, WEBKIT_WEBSITE_DATA_INDEXEDDB_DATABASES},
+        {WebsiteDataType::WebSQLDatabases, 0},
+        {WebsiteDataType::DiskCache, WEBKIT_WEBSITE_DATA_DISK_CACHE},
+        {WebsiteDataType::MemoryCache, WEBKIT_WEBSITE_DATA_MEMORY_CACHE},
+    };
     unsigned bits = 0;
-    for (auto type : types) {
-        switch (type) {
-            case WebsiteDataType::Cookies:
-                bits |= WEBKIT_WEBSITE_DATA_COOKIES;
-                break;
-            case WebsiteDataType::SessionStorage:
-                bits |= WEBKIT_WEBSITE_DATA_SESSION_STORAGE;
-                break;
-            case WebsiteDataType::LocalStorage:
-                bits |= WEBKIT_WEBSITE_DATA_LOCAL_STORAGE;
-                break;
-            case WebsiteDataType::IndexedDBDatabases:
-                bits |= WEBKIT_WEBSITE_DATA_INDEXEDDB_DATABASES;
-                break;
-            case WebsiteDataType::WebSQLDatabases:
-                break;
-            case WebsiteDataType::DiskCache:
-                bits |= WEBKIT_WEBSITE_DATA_DISK_CACHE;
-                break;
-            case WebsiteDataType::MemoryCache:
-                bits |= WEBKIT_WEBSITE_DATA_MEMORY_CACHE;
-                break;
-        }
+    for (const auto& [type, bit] : bitOf) {
+        bits |= types.contains(type) ? bit : 0u;
     }
     return bits;
 }
