@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -50,6 +51,8 @@ std::unique_ptr<XvfbDisplay> XvfbDisplay::startIfNeeded(std::string& problem, bo
         return nullptr;
     }
     if (pid == 0) {
+        // The server goes with the test process, even when that one crashes.
+        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
         ::close(fds[0]);
         const std::string fd = std::to_string(fds[1]);
         const int devnull = ::open("/dev/null", O_WRONLY);
