@@ -188,6 +188,11 @@ gboolean WebKitGtkPage::onLoadFailed(WebKitWebView*, WebKitLoadEvent, char* uri,
         page->stopping_ = false;  // the load we stopped on its time-out, reported then
         return TRUE;
     }
+    // A time-out can fire before a slow web process has even begun the load; the load then begins
+    // anyway and is cancelled only when a newer one replaces it. Its time-out was reported already.
+    if (cancelled && failing == page->timedOutUrl_ && failing != page->loadingUrl_) {
+        return TRUE;
+    }
     // A cancellation of another address ends an earlier load that a newer one replaced; the newer
     // one keeps its time-out.
     if (!cancelled || failing == page->loadingUrl_) {
