@@ -1,13 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "api/APIRequest.h"
 #include "api/APIService.h"
 #include "api/ApiTest.h"
 
 namespace {
 
-using ovix::APIRequest;
 using ovix::UserEligibilityResponse;
 using ovix::Value;
 using ovix::test::LoopbackServer;
@@ -20,20 +18,6 @@ TEST(EligibilityDecoding, NeedsABooleanEligible) {
     for (const char* bad : {"{}", R"({"eligible":1})", R"({"eligible":"true"})", R"({"eligible":null})",
                             R"({"Eligible":true})", R"([{"eligible":true}])"}) {
         EXPECT_FALSE(decode(bad)) << bad;
-    }
-    EXPECT_EQ(UserEligibilityResponse{true}.encode().toJson(), R"({"eligible":true})");
-}
-
-TEST(UrlValidity, AcceptsWhatAUrlMayCarryAndNothingElse) {
-    for (const char* good :
-         {"https://id.ovix.vn/billing/check?productId=com.game.gem_100",
-          "http://127.0.0.1:8080/a?x=1&y=%2F#frag", "http://[::1]:80/", "https://h/c?p=a&b=c?d"}) {
-        EXPECT_TRUE(APIRequest::isValidUrl(good)) << good;
-    }
-    for (const char* bad : {"", "/billing/check?productId=x", "https:///x", "http://", "https://h/a b",
-                            "https://h/%zz", "https://h/%4", "https://h/é", "https://h/a#b#c",
-                            "https://h/{x}", "https://h/a\nb", "https://h/[x]", "1http://h/"}) {
-        EXPECT_FALSE(APIRequest::isValidUrl(bad)) << bad;
     }
 }
 
@@ -92,7 +76,7 @@ TEST_F(Eligibility, EachFailureIsNilWithOneLineSayingWhy) {
 }
 
 TEST_F(Eligibility, AnIdThatBreaksTheUrlFailsAtOnceWithoutTraffic) {
-    for (const char* id : {"gem 100", "gém", "gem%zz", "gem{1}"}) {
+    for (const char* id : {"gem 100", "gém", "gem%zz", "gem%4", "gem{1}", "gem[1]", "gem#a#b", "gem\nx"}) {
         headless.console->clear();
         auto future = ovix::APIService::checkEligibility(id);
         ASSERT_EQ(future.wait_for(std::chrono::seconds(0)), std::future_status::ready) << id;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <tuple>
 
 #include "api/APIService.h"
 #include "api/ApiTest.h"
@@ -18,44 +19,41 @@ using ovix::test::LoopbackServer;
 using ovix::testing::FixedTimeZone;
 using ::testing::UnorderedElementsAre;
 
-TEST(NewsItemFromDictionary, TakesOnlyValuesThatAlreadyHaveTheMembersKind) {
-    auto item = NewsItem::fromDictionary(
-        *Value::fromJson(
-             R"({"Id":42,"GameId":"g1","GameName":"Rồng","Title":"T","NewsUrl":"https://x","IsNews":1,"IsEvent":0,
-            "IsTutorial":1.0,"CreatedAt":1700000000123,"UpdatedAt":-5})")
-             ->asObject());
-    EXPECT_EQ(item.id, 42);
-    EXPECT_EQ(item.gameId + item.gameName + item.title + item.newsUrl, "g1RồngThttps://x");
-    EXPECT_EQ(item.isNews, 1);
-    EXPECT_EQ(item.isEvent, 0);
-    EXPECT_EQ(item.isTutorial, 1) << "a whole double is a number with an exact integer value";
-    EXPECT_EQ(item.createdAt, 1700000000123);
-    EXPECT_EQ(item.updatedAt, -5);
+// Every member in declaration order, so that one comparison checks them all.
+auto members(const NewsItem& i) {
+    return std::tuple(i.id, i.gameId, i.gameName, i.title, i.newsUrl, i.isNews, i.isEvent, i.isTutorial,
+                      i.createdAt, i.updatedAt);
+}
+NewsItem itemFrom(const char* json) {
+    return NewsItem::fromDictionary(*Value::fromJson(json)->asObject());
+}
 
-    auto wrong = NewsItem::fromDictionary(
-        *Value::fromJson(
-             R"({"Id":"5","GameId":7,"Title":null,"NewsUrl":["u"],"IsNews":true,"IsEvent":0.5,
-            "IsTutorial":18446744073709551615,"createdAt":5,"UpdatedAt":1e19})")
-             ->asObject());
-    EXPECT_EQ(wrong.id, 0) << "a string is not converted";
-    EXPECT_EQ(wrong.gameId + wrong.title + wrong.newsUrl, "");
-    EXPECT_EQ(wrong.isNews, 0) << "a boolean is not a number";
-    EXPECT_EQ(wrong.isEvent, 0);
-    EXPECT_EQ(wrong.isTutorial, 0) << "out of the signed range";
-    EXPECT_EQ(wrong.createdAt, 0) << "keys are case-sensitive";
-    EXPECT_EQ(wrong.updatedAt, 0);
+TEST(NewsItemFromDictionary, TakesOnlyValuesThatAlreadyHaveTheMembersKind) {
+    // A whole double is a number with an exact integer value.
+    EXPECT_EQ(members(itemFrom(R"({"Id":42,"GameId":"g1","GameName":"Rồng","Title":"T","NewsUrl":"https://x",
+        "IsNews":1,"IsEvent":0,"IsTutorial":1.0,"CreatedAt":1700000000123,"UpdatedAt":-5})")),
+              std::tuple(42, "g1", "Rồng", "T", "https://x", 1, 0, 1, 1700000000123, -5));
+    // Text is not converted, a boolean is not a number, out of the signed range is nothing, keys are
+    // case-sensitive.
+    EXPECT_EQ(
+        members(itemFrom(R"({"Id":"5","GameId":7,"Title":null,"NewsUrl":["u"],"IsNews":true,"IsEvent":0.5,
+        "IsTutorial":18446744073709551615,"createdAt":5,"UpdatedAt":1e19})")),
+        members(NewsItem{}));
 }
 
 TEST(NewsItemDate, IsDayMonthYearHourMinuteInTheZoneWithMillisecondsDroppedTowardZero) {
-    const FixedTimeZone utc(0);
-    EXPECT_EQ(NewsItem::formatDate(0, utc), "01/01/1970 00:00");
-    EXPECT_EQ(NewsItem::formatDate(0, FixedTimeZone(7 * 3600)), "01/01/1970 07:00");
-    EXPECT_EQ(NewsItem::formatDate(0, FixedTimeZone(-5 * 3600)), "31/12/1969 19:00");
-    EXPECT_EQ(NewsItem::formatDate(1709251199000, utc), "29/02/2024 23:59");
-    EXPECT_EQ(NewsItem::formatDate(1700000000999, utc), NewsItem::formatDate(1700000000000, utc));
-    EXPECT_EQ(NewsItem::formatDate(-999, utc), "01/01/1970 00:00") << "truncated to 0 s, not floored to -1 s";
-    EXPECT_EQ(NewsItem::formatDate(-60001, utc), "31/12/1969 23:59");
-
+    const std::tuple<std::int64_t, int, const char*> cases[] = {
+        {0, 0, "01/01/1970 00:00"},
+        {0, 7 * 3600, "01/01/1970 07:00"},
+        {0, -5 * 3600, "31/12/1969 19:00"},
+        {1709251199000, 0, "29/02/2024 23:59"},
+        {1700000039999, 0, "14/11/2023 22:13"},  // 22:13:59.999
+        {-999, 0, "01/01/1970 00:00"},           // truncated to 0 s, not floored to -1 s
+        {-60001, 0, "31/12/1969 23:59"},
+    };
+    for (const auto& [ms, offset, expected] : cases) {
+        EXPECT_EQ(NewsItem::formatDate(ms, FixedTimeZone(offset)), expected) << ms;
+    }
     auto h = ovix::testing::HeadlessPlatform::create();
     h.platform->timeZone = std::make_shared<FixedTimeZone>(7 * 3600);
     h.install();
@@ -110,12 +108,14 @@ TEST_F(NewsFeed, AsksForTheFirstHundredNewsWithTheClientId) {
 }
 
 TEST_F(NewsFeed, OnlyAnArrayOfObjectsUnderDataIsAList) {
-    for (const char* body : {R"({"Data":null})", R"({"Data":{"Id":1}})", R"({"Data":[{"Id":1},2]})", "[]"}) {
-        server.on(kPath, LoopbackServer::Reply{200, body});
+    for (auto [status, body] : {std::pair<int, const char*>{200, R"({"Data":null})"},
+                                {200, R"({"Data":{"Id":1}})"},
+                                {200, R"({"Data":[{"Id":1},2]})"},
+                                {200, "[]"},
+                                {500, R"({"Data":[]})"}}) {
+        server.on(kPath, LoopbackServer::Reply{status, body});
         EXPECT_EQ(load(), std::nullopt) << body;
     }
-    server.on(kPath, LoopbackServer::Reply{500, R"({"Data":[]})"});
-    EXPECT_EQ(load(), std::nullopt);
 }
 
 }  // namespace

@@ -3,59 +3,37 @@
 #include <gtest/gtest.h>
 
 #include "PurchaseTestSupport.h"
+#include "api/ApiTest.h"
 #include "ovix/kit/AlertController.h"
 #include "ovix/kit/Window.h"
 #include "ovix/kit/WindowScene.h"
-#include "platform/curl/CurlHttpClient.h"
-#include "support/LoopbackServer.h"
 
 namespace ovix::test {
 namespace {
 
-using platform::SandboxStore;
 using platform::StoreTransaction;
 using platform::VerificationResult;
 
-class PurchaseFlowTest : public ::testing::Test {
+// The API tests' loopback server and curl client, with a sandbox store selling "gems".
+class PurchaseFlowTest : public PurchaseFixtureOn<ApiTest> {
   protected:
     void SetUp() override {
-        server_.reset();
-        ovix::testing::HeadlessPlatform::Options options;
-        // Every test of this process uses the one server: OvixCore copies the address once.
-        options.environment = platform::Environment::emulator(server_.baseUrl());
-        headless_ = ovix::testing::HeadlessPlatform::create(options);
-        platform::CurlHttpClient::Options http;
-        http.timeoutCeilingSeconds = 5;
-        headless_.platform->http = std::make_shared<platform::CurlHttpClient>(http);
-        headless_.install();
-        ASSERT_EQ(OvixCore::shared().urlString(), server_.baseUrl())
-            << "OvixCore was created before the server";
-
-        OvixCore::shared().setListener(nullptr);
-        await(IAPManager::shared().fetchProducts({}));
-        headless_.sandboxStore->setProducts({{"gems", "22.000 ₫"}});
-        listener_ = std::make_shared<ObservingListener>();
-        OvixCore::shared().setListener(listener_);
+        PurchaseFixtureOn<ApiTest>::SetUp();
+        store().setProducts({{"gems", "22.000 ₫"}});
     }
-    void TearDown() override { OvixCore::shared().setListener(nullptr); }
 
-    void answer(LoopbackServer::Reply reply) { server_.on("/billing/check", reply); }
+    void answer(LoopbackServer::Reply reply) { server.on("/billing/check", reply); }
     std::shared_ptr<kit::ViewController> giveFirstWindowARoot() {
         auto root = kit::ViewController::create();
-        headless_.application->windows().front()->setRootViewController(root);
+        headless.application->windows().front()->setRootViewController(root);
         return root;
     }
     /// Loads "gems" the way a game does: a first purchaseProduct call.
     void loadGems() {
         await(OvixCore::shared().purchaseProduct("gems"));
         ASSERT_EQ(listener_->names(), std::vector<std::string>{"OvixBillingConnected"});
-        listener_ = std::make_shared<ObservingListener>();
-        OvixCore::shared().setListener(listener_);
+        listen();
     }
-
-    LoopbackServer& server_ = LoopbackServer::shared();
-    ovix::testing::HeadlessPlatform headless_;
-    std::shared_ptr<ObservingListener> listener_;
 };
 
 TEST_F(PurchaseFlowTest, TheFirstCallOnlyLoadsAndTheSecondAsksThenBuys) {
@@ -64,22 +42,22 @@ TEST_F(PurchaseFlowTest, TheFirstCallOnlyLoadsAndTheSecondAsksThenBuys) {
 
     await(OvixCore::shared().purchaseProduct("gems"));
     EXPECT_EQ(listener_->names(), std::vector<std::string>{"OvixBillingConnected"});
-    EXPECT_EQ(server_.requests().size(), 0u);
-    EXPECT_TRUE(headless_.sandboxStore->purchaseRequests().empty());
+    EXPECT_EQ(server.requests().size(), 0u);
+    EXPECT_TRUE(store().purchaseRequests().empty());
 
     await(OvixCore::shared().purchaseProduct("gems"));
-    ASSERT_EQ(server_.requests().size(), 1u);
-    EXPECT_EQ(server_.requests()[0].target, "/billing/check?productId=gems");
+    ASSERT_EQ(server.requests().size(), 1u);
+    EXPECT_EQ(server.requests()[0].target, "/billing/check?productId=gems");
     auto received = listener_->received();
     ASSERT_EQ(received.size(), 2u);
     EXPECT_EQ(received[1].event, "OvixPurchaseUpdated");
     EXPECT_EQ(received[1].data.stringAt("productId"), "gems");
     for (const auto& r : received) {
-        EXPECT_EQ(r.thread, headless_.sandboxStore->callbackThread());
+        EXPECT_EQ(r.thread, store().callbackThread());
     }
-    EXPECT_EQ(headless_.sandboxStore->finishedTransactionIds().size(), 1u);
+    EXPECT_EQ(store().finishedTransactionIds().size(), 1u);
 
-    headless_.mainQueue->runUntilIdle();
+    headless.mainQueue->runUntilIdle();
     EXPECT_EQ(root->presentedViewController(), nullptr);
 }
 
@@ -102,7 +80,7 @@ TEST_F(PurchaseFlowTest, ARefusalOrAFailedCheckShowsItsAlertAndNeverReachesTheSt
         await(OvixCore::shared().purchaseProduct("gems"));
         // Posted, not shown yet: the alert waits for its turn of the main queue.
         EXPECT_EQ(root->presentedViewController(), nullptr);
-        headless_.mainQueue->runUntilIdle();
+        headless.mainQueue->runUntilIdle();
 
         auto alert = std::dynamic_pointer_cast<kit::AlertController>(root->presentedViewController());
         ASSERT_NE(alert, nullptr);
@@ -113,11 +91,11 @@ TEST_F(PurchaseFlowTest, ARefusalOrAFailedCheckShowsItsAlertAndNeverReachesTheSt
         EXPECT_EQ(alert->actions()[0]->title(), "OK");
         EXPECT_EQ(alert->actions()[0]->style(), kit::AlertActionStyle::defaultStyle);
         EXPECT_FALSE(alert->actions()[0]->hasHandler());
-        headless_.mainQueue->advance(kit::ViewController::transitionDuration);  // let the fade-in end
+        headless.mainQueue->advance(kit::ViewController::transitionDuration);  // let the fade-in end
     }
     EXPECT_TRUE(listener_->received().empty());
-    EXPECT_TRUE(headless_.sandboxStore->purchaseRequests().empty());
-    EXPECT_EQ(server_.requests().size(), 3u);
+    EXPECT_TRUE(store().purchaseRequests().empty());
+    EXPECT_EQ(server.requests().size(), 3u);
 }
 
 TEST_F(PurchaseFlowTest, OnlyTheFirstScenesFirstWindowsRootMayShowTheAlert) {
@@ -125,11 +103,11 @@ TEST_F(PurchaseFlowTest, OnlyTheFirstScenesFirstWindowsRootMayShowTheAlert) {
     loadGems();
     auto refuse = [&] {
         await(OvixCore::shared().purchaseProduct("gems"));
-        headless_.mainQueue->runUntilIdle();
+        headless.mainQueue->runUntilIdle();
     };
 
     // The first window has no root: the second window's root is not asked instead.
-    auto second = headless_.application->addWindow();
+    auto second = headless.application->addWindow();
     auto secondRoot = kit::ViewController::create();
     second->setRootViewController(secondRoot);
     refuse();
@@ -139,7 +117,7 @@ TEST_F(PurchaseFlowTest, OnlyTheFirstScenesFirstWindowsRootMayShowTheAlert) {
     ovix::testing::HeadlessApplication::Options windowless;
     windowless.windowCount = 0;
     auto application = ovix::testing::HeadlessApplication::create(windowless);
-    headless_.platform->application = application;
+    headless.platform->application = application;
     auto laterScene = kit::WindowScene::create(application->mainScreen());
     application->connectScene(laterScene);
     auto laterRoot = kit::ViewController::create();
@@ -154,24 +132,23 @@ TEST_F(PurchaseFlowTest, OnlyTheFirstScenesFirstWindowsRootMayShowTheAlert) {
     refuse();
 
     EXPECT_TRUE(listener_->received().empty());
-    EXPECT_EQ(server_.requests().size(), 3u);
+    EXPECT_EQ(server.requests().size(), 3u);
 }
 
 TEST_F(PurchaseFlowTest, RestoreReturnsBeforeTheStoreAnswers) {
-    headless_.sandboxStore->setEntitlements({VerificationResult::verifiedTransaction(
+    store().setEntitlements({VerificationResult::verifiedTransaction(
         StoreTransaction{"vip", 7, Date(std::chrono::seconds(1714557600))})});
     // Hold the store's thread so that nothing can have been answered when restorePurchases returns.
     std::promise<void> gate;
-    headless_.sandboxStore->finish({"hold", 0, Date{}}, [wait = gate.get_future().share()] { wait.wait(); });
+    store().finish({"hold", 0, Date{}}, [wait = gate.get_future().share()] { wait.wait(); });
 
     OvixCore::shared().restorePurchases();
     EXPECT_TRUE(listener_->received().empty());
     gate.set_value();
 
-    ASSERT_TRUE(headless_.mainQueue->runUntil([&] { return listener_->received().size() == 1; }));
+    ASSERT_TRUE(headless.mainQueue->runUntil([&] { return listener_->received().size() == 1; }));
     EXPECT_EQ(listener_->names(), std::vector<std::string>{"OvixPurchaseRestored"});
-    EXPECT_TRUE(headless_.mainQueue->runUntil(
-        [&] { return headless_.sandboxStore->finishedTransactionIds().size() == 2; }));
+    EXPECT_TRUE(headless.mainQueue->runUntil([&] { return store().finishedTransactionIds().size() == 2; }));
 }
 
 }  // namespace

@@ -36,22 +36,36 @@ inline void await(std::future<void> future) {
     future.get();
 }
 
-/// A fresh headless platform with its sandbox store, a listening game, and a purchase manager whose
-/// product list was emptied by the fixture's own fetch (the manager is a process singleton).
-class PurchaseFixture : public ::testing::Test {
+/// A fresh headless platform, installed.
+class HeadlessTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        headless_ = ovix::testing::HeadlessPlatform::create();
-        headless_.install();
+        headless = ovix::testing::HeadlessPlatform::create();
+        headless.install();
+    }
+    ovix::testing::HeadlessPlatform headless;
+};
+
+/// On top of `Base`'s installed headless platform: a listening game and a purchase manager whose
+/// product list was emptied by the fixture's own fetch (the manager is a process singleton).
+template <typename Base>
+class PurchaseFixtureOn : public Base {
+  protected:
+    void SetUp() override {
+        Base::SetUp();
         OvixCore::shared().setListener(nullptr);
         await(IAPManager::shared().fetchProducts({}));
-        listener_ = std::make_shared<ObservingListener>();
-        OvixCore::shared().setListener(listener_);
+        listen();
     }
     void TearDown() override { OvixCore::shared().setListener(nullptr); }
 
-    platform::SandboxStore& store() { return *headless_.sandboxStore; }
-    std::vector<std::string> consoleLines() const { return headless_.console->lines(); }
+    platform::SandboxStore& store() { return *this->headless.sandboxStore; }
+    std::vector<std::string> consoleLines() const { return this->headless.console->lines(); }
+    /// A new listener, so that a test sees only what follows.
+    void listen() {
+        listener_ = std::make_shared<ObservingListener>();
+        OvixCore::shared().setListener(listener_);
+    }
 
     /// Fetches `products` into the manager, then forgets the events and lines that caused.
     void loadProducts(std::vector<platform::StoreProduct> products) {
@@ -61,13 +75,13 @@ class PurchaseFixture : public ::testing::Test {
         }
         store().setProducts(std::move(products));
         await(IAPManager::shared().fetchProducts(ids));
-        listener_ = std::make_shared<ObservingListener>();
-        OvixCore::shared().setListener(listener_);
-        headless_.console->clear();
+        listen();
+        this->headless.console->clear();
     }
 
-    ovix::testing::HeadlessPlatform headless_;
     std::shared_ptr<ObservingListener> listener_;
 };
+
+using PurchaseFixture = PurchaseFixtureOn<HeadlessTest>;
 
 }  // namespace ovix::test

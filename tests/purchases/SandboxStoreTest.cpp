@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <future>
 
 #include "ovix/testing/CapturingConsole.h"
@@ -15,41 +16,31 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Waits for a completion that arrives on the store's thread; the bound only guards against a hang.
+// Starts an operation and waits for the value its completion hands over on the store's thread; the
+// bound only guards against a hang.
 template <typename T>
-T await(std::future<T>& future) {
+T await(const std::function<void(std::function<void(T)>)>& start) {
+    std::promise<T> promise;
+    auto future = promise.get_future();
+    start([&promise](T value) { promise.set_value(std::move(value)); });
     EXPECT_EQ(future.wait_for(10s), std::future_status::ready);
     return future.get();
 }
 
 Store::ProductsResult fetch(Store& store, std::vector<std::string> ids) {
-    std::promise<Store::ProductsResult> promise;
-    auto future = promise.get_future();
-    store.products(ids, [&promise](Store::ProductsResult result) { promise.set_value(std::move(result)); });
-    return await(future);
+    return await<Store::ProductsResult>([&](auto done) { store.products(ids, done); });
 }
 
 Store::PurchaseResult buy(Store& store, const StoreProduct& product) {
-    std::promise<Store::PurchaseResult> promise;
-    auto future = promise.get_future();
-    store.purchase(product,
-                   [&promise](Store::PurchaseResult result) { promise.set_value(std::move(result)); });
-    return await(future);
+    return await<Store::PurchaseResult>([&](auto done) { store.purchase(product, done); });
 }
 
 std::vector<VerificationResult> drain(EntitlementSequence& sequence) {
     std::vector<VerificationResult> out;
-    for (;;) {
-        std::promise<std::optional<VerificationResult>> promise;
-        auto future = promise.get_future();
-        sequence.next(
-            [&promise](std::optional<VerificationResult> element) { promise.set_value(std::move(element)); });
-        auto element = await(future);
-        if (!element) {
-            return out;
-        }
+    while (auto element = await<std::optional<VerificationResult>>([&](auto done) { sequence.next(done); })) {
         out.push_back(std::move(*element));
     }
+    return out;
 }
 
 std::vector<std::string> ids(const Store::ProductsResult& result) {
@@ -113,24 +104,15 @@ TEST(SandboxCatalog, RejectsMistakesWithAMessageNamingThePlace) {
         {R"([])", "the catalog must be an object"},
         {R"({})", "needs a \"products\" list"},
         {R"({"products": [{"id": "a"}]})", "products[0] needs a text \"displayPrice\""},
-        {R"({"products": [{"id": 5, "displayPrice": "1"}]})", "products[0] needs a text \"id\""},
         {R"({"products": [], "entitlement": []})", "unknown key \"entitlement\""},
-        {R"({"products": [{"id": "a", "displayPrice": "1", "consumable": "yes"}]})", "\"consumable\""},
         {R"({"products": [], "outcomes": {"a": "refunded"}})", "outcome \"refunded\""},
         {R"({"products": [], "outcomes": {"a": "unverified"}})", "needs a text \"error\" for \"unverified\""},
-        {R"({"products": [], "outcomes": {"a": {"outcome": "pending", "error": "x"}}})",
-         "takes no \"error\""},
         {R"({"products": [], "entitlements": [{"productId": "a", "transactionId": -1, "purchaseDate": 0}]})",
          "entitlements[0] needs a non-negative integer \"transactionId\""},
-        {R"({"products": [], "entitlements": [{"productId": "a", "transactionId": 1}]})", "\"purchaseDate\""},
         {R"({"products": [], "entitlements": [{"productId": "a", "transactionId": 1,
              "purchaseDate": "2024-02-30T00:00:00Z"}]})",
          "\"purchaseDate\""},
-        {R"({"products": [], "entitlements": [{"productId": "a", "transactionId": 1,
-             "purchaseDate": "2024-02-01T00:00:00"}]})",
-         "\"purchaseDate\""},
         {R"({"products": [], "latency": -1})", "\"latency\""},
-        {R"({"products": [], "latency": "fast"})", "\"latency\""},
     };
     for (const auto& c : cases) {
         std::string error;
@@ -162,30 +144,24 @@ class ConfiguredSandbox : public ::testing::Test {
     testing::CapturingConsole console_;
 };
 
-TEST_F(ConfiguredSandbox, PrefersTheNamedFileThenTheBundleFileThenNothing) {
+TEST_F(ConfiguredSandbox, PrefersTheNamedFileThenTheBundleFileAndSaysWhyOneCannotBeLoaded) {
     EXPECT_TRUE(configuredIds().empty());
-
-    write(dir_ / "bundle" / "sandbox-store.json", R"({"products": [{"id": "b", "displayPrice": "2 ₫"}]})");
+    const auto bundled = dir_ / "bundle" / "sandbox-store.json";
+    write(bundled, R"({"products": [{"id": "b"}]})");
+    EXPECT_TRUE(configuredIds().empty());
+    EXPECT_EQ(console_.lines(), std::vector<std::string>{"⚠️ Sandbox store: " + bundled.string() +
+                                                         ": products[0] needs a text \"displayPrice\""});
+    write(bundled, R"({"products": [{"id": "b", "displayPrice": "2 ₫"}]})");
     EXPECT_EQ(configuredIds(), std::vector<std::string>{"b"});
 
     write(dir_ / "named.json", R"({"products": [{"id": "a", "displayPrice": "1 ₫"}]})");
     setenv("OVIX_SANDBOX_CATALOG", (dir_ / "named.json").c_str(), 1);
     EXPECT_EQ(configuredIds(), std::vector<std::string>{"a"});
-    EXPECT_TRUE(console_.lines().empty());
-}
-
-TEST_F(ConfiguredSandbox, AFileThatCannotBeLoadedLeavesTheCatalogEmptyAndSaysWhy) {
-    write(dir_ / "bundle" / "sandbox-store.json", R"({"products": [{"id": "b"}]})");
-    EXPECT_TRUE(configuredIds().empty());
-    ASSERT_EQ(console_.lines().size(), 1u);
-    EXPECT_EQ(console_.lines()[0],
-              "⚠️ Sandbox store: " + (dir_ / "bundle" / "sandbox-store.json").string() +
-                  ": products[0] needs a text \"displayPrice\"");
-
     setenv("OVIX_SANDBOX_CATALOG", (dir_ / "missing.json").c_str(), 1);
     EXPECT_TRUE(configuredIds().empty());
     EXPECT_EQ(console_.lines().back(),
               "⚠️ Sandbox store: cannot read " + (dir_ / "missing.json").string());
+    EXPECT_EQ(console_.lines().size(), 2u);
 }
 
 SandboxStore::Catalog catalogWith(std::vector<StoreProduct> products) {
@@ -196,14 +172,15 @@ SandboxStore::Catalog catalogWith(std::vector<StoreProduct> products) {
 
 TEST(SandboxStoreProducts, AnswersKnownIdentifiersInCatalogOrderOnItsOwnThread) {
     SandboxStore store(catalogWith({{"a", "1"}, {"b", "2"}, {"a", "3"}, {"c", "4"}}));
-    std::promise<std::thread::id> thread;
-    auto future = thread.get_future();
-    store.products({"c", "a", "zzz"}, [&](Store::ProductsResult result) {
-        EXPECT_EQ(std::get<std::vector<StoreProduct>>(result),
-                  (std::vector<StoreProduct>{{"a", "1"}, {"a", "3"}, {"c", "4"}}));
-        thread.set_value(std::this_thread::get_id());
+    std::thread::id ranOn;
+    auto found = await<Store::ProductsResult>([&](auto done) {
+        store.products({"c", "a", "zzz"}, [&ranOn, done](Store::ProductsResult result) {
+            ranOn = std::this_thread::get_id();
+            done(std::move(result));
+        });
     });
-    auto ranOn = await(future);
+    EXPECT_EQ(std::get<std::vector<StoreProduct>>(found),
+              (std::vector<StoreProduct>{{"a", "1"}, {"a", "3"}, {"c", "4"}}));
     EXPECT_EQ(ranOn, store.callbackThread());
     EXPECT_NE(ranOn, std::this_thread::get_id());
 
@@ -215,16 +192,13 @@ TEST(SandboxStoreProducts, ScriptedFetchFailuresComeOnceOrUntilCleared) {
     SandboxStore store(catalogWith({{"a", "1"}}));
     store.failNextFetch("first");
     store.failNextFetch("second");
-    auto first = fetch(store, {"a"});
-    ASSERT_TRUE(std::holds_alternative<StoreError>(first));
-    EXPECT_EQ(std::get<StoreError>(first).localizedDescription, "first");
-    EXPECT_EQ(std::get<StoreError>(first).description, "SandboxStore.Error(\"first\")");
-    EXPECT_EQ(std::get<StoreError>(fetch(store, {"a"})).localizedDescription, "second");
+    auto error = [&] { return std::get<StoreError>(fetch(store, {"a"})).localizedDescription; };
+    EXPECT_EQ(error(), "first");
+    EXPECT_EQ(error(), "second");
     EXPECT_EQ(ids(fetch(store, {"a"})), std::vector<std::string>{"a"});
-
     store.setFetchError("offline");
-    EXPECT_EQ(std::get<StoreError>(fetch(store, {"a"})).localizedDescription, "offline");
-    EXPECT_EQ(std::get<StoreError>(fetch(store, {"a"})).localizedDescription, "offline");
+    EXPECT_EQ(error(), "offline");
+    EXPECT_EQ(error(), "offline");
     store.setFetchError(std::nullopt);
     EXPECT_EQ(ids(fetch(store, {"a"})), std::vector<std::string>{"a"});
 }
@@ -235,16 +209,17 @@ TEST(SandboxStorePurchase, NextCallScriptsWinOverProductScriptsWhichOutliveThem)
     store.scriptNextPurchase(SandboxStore::Outcome::failure("declined"));
     store.scriptNextPurchase(SandboxStore::Outcome::unknown());
 
-    auto failed = buy(store, {"a", "1"});
-    ASSERT_TRUE(std::holds_alternative<StoreError>(failed));
-    EXPECT_EQ(std::get<StoreError>(failed).localizedDescription, "declined");
-    EXPECT_EQ(std::get<PurchaseOutcome>(buy(store, {"b", "2"})).kind, PurchaseOutcome::Kind::Unknown);
-    EXPECT_EQ(std::get<PurchaseOutcome>(buy(store, {"a", "1"})).kind, PurchaseOutcome::Kind::Pending);
-    EXPECT_EQ(std::get<PurchaseOutcome>(buy(store, {"a", "1"})).kind, PurchaseOutcome::Kind::Pending);
-    EXPECT_EQ(std::get<PurchaseOutcome>(buy(store, {"b", "2"})).kind, PurchaseOutcome::Kind::Success);
-
+    EXPECT_EQ(std::get<StoreError>(buy(store, {"a", "1"})).localizedDescription, "declined");
+    using Kind = PurchaseOutcome::Kind;
+    auto kind = [&](const StoreProduct& product) {
+        return std::get<PurchaseOutcome>(buy(store, product)).kind;
+    };
+    EXPECT_EQ(kind({"b", "2"}), Kind::Unknown);
+    EXPECT_EQ(kind({"a", "1"}), Kind::Pending);
+    EXPECT_EQ(kind({"a", "1"}), Kind::Pending);
+    EXPECT_EQ(kind({"b", "2"}), Kind::Success);
     store.setOutcome("b", SandboxStore::Outcome::userCancelled());
-    EXPECT_EQ(std::get<PurchaseOutcome>(buy(store, {"b", "2"})).kind, PurchaseOutcome::Kind::UserCancelled);
+    EXPECT_EQ(kind({"b", "2"}), Kind::UserCancelled);
     EXPECT_EQ(store.purchaseRequests().size(), 6u);
 }
 
@@ -307,7 +282,6 @@ TEST(SandboxStoreDelivery, MayBeReleasedForTheLastTimeByItsOwnCompletion) {
     auto store = std::make_shared<SandboxStore>();
     std::promise<void> go;
     std::promise<void> released;
-    auto future = released.get_future();
     // Hold the delivery thread until the test let go of the store, so the completion holds the last
     // reference.
     store->finish({"a", 1, at(0)}, [wait = go.get_future().share()] { wait.wait(); });
@@ -317,7 +291,7 @@ TEST(SandboxStoreDelivery, MayBeReleasedForTheLastTimeByItsOwnCompletion) {
     });
     store.reset();
     go.set_value();
-    await(future);
+    EXPECT_EQ(released.get_future().wait_for(10s), std::future_status::ready);
 }
 
 }  // namespace
