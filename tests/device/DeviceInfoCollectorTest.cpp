@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 #include <nlohmann/json.hpp>
 
@@ -12,7 +11,6 @@ namespace {
 
 using ovix::DeviceInfoCollector;
 using ovix::Dictionary;
-using ovix::Value;
 using ovix::platform::InterfaceAddress;
 using Family = ovix::platform::InterfaceAddress::Family;
 using Facts = ovix::testing::HeadlessDeviceFacts::Facts;
@@ -23,13 +21,12 @@ class DeviceRecord : public ::testing::Test {
         headless.platform->deviceFacts = facts;
         headless.install();
     }
-
     void change(const std::function<void(Facts&)>& edit) {
         auto f = facts->get();
         edit(f);
         facts->set(f);
     }
-
+    static Dictionary build() { return DeviceInfoCollector::buildDeviceInfoJson({}, {}); }
     static const Dictionary& map(const Dictionary& record, const std::string& key) {
         return *record.at(key).asObject();
     }
@@ -54,11 +51,7 @@ TEST_F(DeviceRecord, CarriesTheFactsUnderTheContractedKeysAndConstants) {
     });
     auto record = DeviceInfoCollector::buildDeviceInfoJson("fb", "adj");
 
-    std::vector<std::string> keys;
-    for (const auto& [k, v] : record)
-        keys.push_back(k);
-    EXPECT_EQ(keys, (std::vector<std::string>{"adjust_id", "device_id", "fingerprint", "firebase_id",
-                                              "hardware", "network", "os", "screen"}));
+    EXPECT_EQ(record.size(), 8u) << "the four ids, os, hardware, network and screen";
     EXPECT_EQ(text(record, "device_id"), "E621E1F8-C36C-495A-93FC-0C247A3E6E5F");
     EXPECT_EQ(text(record, "firebase_id"), "fb");
     EXPECT_EQ(text(record, "adjust_id"), "adj");
@@ -84,7 +77,7 @@ TEST_F(DeviceRecord, CarriesTheFactsUnderTheContractedKeysAndConstants) {
 }
 
 TEST_F(DeviceRecord, FingerprintIsStableAndFollowsVersionAndVendorId) {
-    auto fingerprint = [] { return text(DeviceInfoCollector::buildDeviceInfoJson({}, {}), "fingerprint"); };
+    auto fingerprint = [] { return text(build(), "fingerprint"); };
     const auto first = fingerprint();
     EXPECT_EQ(first, "7e411dee753265941a3e42c9ecc37cf5f1864bd1b704d4d0dd7c0016f7cf45b2");
     EXPECT_EQ(fingerprint(), first);
@@ -98,30 +91,14 @@ TEST_F(DeviceRecord, FingerprintIsStableAndFollowsVersionAndVendorId) {
         f.vendorIdentifier = "";
     });
     EXPECT_EQ(fingerprint(), "c05018ff7a26b9d1aec4e30b12c746164baa5e4df23338043829bc31cb99ede0");
-    EXPECT_EQ(text(DeviceInfoCollector::buildDeviceInfoJson({}, {}), "device_id"), "");
+    EXPECT_EQ(text(build(), "device_id"), "");
 }
 
 TEST_F(DeviceRecord, AbsentAndEmptyIdsGiveTheSameRecord) {
-    EXPECT_EQ(DeviceInfoCollector::buildDeviceInfoJson(std::nullopt, std::nullopt),
-              DeviceInfoCollector::buildDeviceInfoJson("", ""));
+    EXPECT_EQ(build(), DeviceInfoCollector::buildDeviceInfoJson("", ""));
     auto record = DeviceInfoCollector::buildDeviceInfoJson(std::nullopt, "a");
     EXPECT_EQ(text(record, "firebase_id"), "");
     EXPECT_EQ(text(record, "adjust_id"), "a");
-}
-
-TEST_F(DeviceRecord, ScreenSizeIsTruncatedToIntegersAndScaleStaysFloating) {
-    change([](Facts& f) { f.screen = {414.9, -0.7, 3}; });
-    const auto record = DeviceInfoCollector::buildDeviceInfoJson({}, {});
-    const auto& screen = map(record, "screen");
-    EXPECT_EQ(screen.size(), 3u);
-    EXPECT_EQ(screen.at("width").asInt(), 414);
-    EXPECT_EQ(screen.at("height").asInt(), 0) << "toward zero, not down";
-    EXPECT_EQ(screen.at("scale").asDouble(), 3.0);
-}
-
-TEST_F(DeviceRecord, NoCarrierReadsEmpty) {
-    change([](Facts& f) { f.carrierNames.clear(); });
-    EXPECT_EQ(text(map(DeviceInfoCollector::buildDeviceInfoJson({}, {}), "network"), "carrier"), "");
 }
 
 TEST_F(DeviceRecord, IpIsTheLastIpv4AddressOfThePrimaryInterface) {
@@ -137,34 +114,40 @@ TEST_F(DeviceRecord, IpIsTheLastIpv4AddressOfThePrimaryInterface) {
             {"eth0", Family::Other, ""},
         };
     });
-    EXPECT_EQ(text(map(DeviceInfoCollector::buildDeviceInfoJson({}, {}), "network"), "ip"), "10.0.0.7");
+    EXPECT_EQ(text(map(build(), "network"), "ip"), "10.0.0.7");
 }
 
-TEST(DeviceIpWalk, NoIpv4OnTheInterfaceOrNoListGivesEmpty) {
-    std::vector<InterfaceAddress> ipv6Only{{"en0", Family::IPv6, "fe80::1"},
-                                           {"pdp_ip0", Family::IPv4, "10.1.1.1"}};
-    EXPECT_EQ(DeviceInfoCollector::ipv4Address(ipv6Only, "en0"), "");
-    EXPECT_EQ(DeviceInfoCollector::ipv4Address(std::nullopt, "en0"), "");
-    EXPECT_EQ(DeviceInfoCollector::ipv4Address(std::vector<InterfaceAddress>{}, "en0"), "");
-    EXPECT_EQ(DeviceInfoCollector::ipv4Address(ipv6Only, ""), "") << "no primary interface matches nothing";
-}
-
-TEST(DeviceIpWalk, HostTextStopsAtNulAndIsRepairedNotRejected) {
+TEST(DeviceIpWalk, EmptyWithoutIpv4OnTheInterfaceAndHostTextIsRepaired) {
     using namespace std::string_literals;
-    std::vector<InterfaceAddress> list{{"en0", Family::IPv4, "10.0.0.1\0garbage"s}};
-    EXPECT_EQ(DeviceInfoCollector::ipv4Address(list, "en0"), "10.0.0.1");
-    list = {{"en0", Family::IPv4, "10.0.\xff.\xe0\x80"}};
-    EXPECT_EQ(DeviceInfoCollector::ipv4Address(list, "en0"), "10.0.\xEF\xBF\xBD.\xEF\xBF\xBD\xEF\xBF\xBD");
-    list = {{"en0", Family::IPv4, "v\xc3\xa9 \xf0\x9f\x93\xb2"}};  // well-formed text is kept as it is
-    EXPECT_EQ(DeviceInfoCollector::ipv4Address(list, "en0"), "v\xc3\xa9 \xf0\x9f\x93\xb2");
+    using List = std::optional<std::vector<InterfaceAddress>>;
+    const List ipv6Only = std::vector<InterfaceAddress>{{"en0", Family::IPv6, "fe80::1"},
+                                                        {"pdp_ip0", Family::IPv4, "10.1.1.1"}};
+    const struct {
+        List list;
+        std::string primary, expected;
+    } cases[] = {
+        {ipv6Only, "en0", ""},
+        {std::nullopt, "en0", ""},
+        {std::vector<InterfaceAddress>{}, "en0", ""},
+        {ipv6Only, "", ""},  // no primary interface matches nothing
+        {std::vector<InterfaceAddress>{{"en0", Family::IPv4, "10.0.0.1\0garbage"s}}, "en0", "10.0.0.1"},
+        {std::vector<InterfaceAddress>{{"en0", Family::IPv4, "10.0.\xff.\xe0\x80"}}, "en0",
+         "10.0.\xEF\xBF\xBD.\xEF\xBF\xBD\xEF\xBF\xBD"},
+        {std::vector<InterfaceAddress>{{"en0", Family::IPv4, "v\xc3\xa9 \xf0\x9f\x93\xb2"}}, "en0",
+         "v\xc3\xa9 \xf0\x9f\x93\xb2"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(DeviceInfoCollector::ipv4Address(c.list, c.primary), c.expected) << c.expected;
+    }
 }
 
-TEST_F(DeviceRecord, JsonTextIsCompactAndReadByAnIndependentParser) {
+TEST_F(DeviceRecord, JsonTextIsCompactTruncatesTheScreenAndIsReadByAnIndependentParser) {
     change([](Facts& f) {
         f.deviceName = "Máy của \"Lan\"";
-        f.screen = {375.5, 667, 2};
+        f.screen = {414.9, -0.7, 3};
+        f.carrierNames.clear();
     });
-    const auto json = DeviceInfoCollector::toJsonString(DeviceInfoCollector::buildDeviceInfoJson({}, {}));
+    const auto json = DeviceInfoCollector::toJsonString(build());
     EXPECT_EQ(json.find('\n'), std::string::npos);
     EXPECT_EQ(json.find("\": "), std::string::npos) << json;
     EXPECT_EQ(json.find(", \""), std::string::npos) << json;
@@ -173,11 +156,13 @@ TEST_F(DeviceRecord, JsonTextIsCompactAndReadByAnIndependentParser) {
     ASSERT_TRUE(parsed.is_object());
     EXPECT_EQ(parsed.size(), 8u);
     EXPECT_EQ(parsed["hardware"]["device"], "Máy của \"Lan\"");
+    EXPECT_EQ(parsed["network"]["carrier"], "");
+    EXPECT_EQ(parsed["screen"].size(), 3u);
     EXPECT_TRUE(parsed["screen"]["width"].is_number_integer());
-    EXPECT_EQ(parsed["screen"]["width"], 375);
+    EXPECT_EQ(parsed["screen"]["width"], 414);
+    EXPECT_EQ(parsed["screen"]["height"], 0) << "toward zero, not down";
     EXPECT_TRUE(parsed["screen"]["scale"].is_number_float()) << "a floating number, even when whole";
-    EXPECT_EQ(parsed["screen"]["scale"], 2.0);
-    EXPECT_EQ(parsed["firebase_id"], "");
+    EXPECT_EQ(parsed["screen"]["scale"], 3.0);
 }
 
 using DeviceRecordDeathTest = DeviceRecord;
@@ -187,7 +172,7 @@ TEST_F(DeviceRecordDeathTest, ScreenThatIsNoIntegerHalts) {
     for (double bad :
          {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), 1e19}) {
         change([bad](Facts& f) { f.screen = {bad, 100, 1}; });
-        EXPECT_DEATH(DeviceInfoCollector::buildDeviceInfoJson({}, {}), "") << bad;
+        EXPECT_DEATH(build(), "") << bad;
     }
 }
 

@@ -22,7 +22,6 @@ const std::regex kUpperUuid("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]
 class LinuxMachine : public ::testing::Test {
   protected:
     void write(const std::string& relative, const std::string& text) { root.write(relative, text); }
-    void remove(const std::string& relative) { fs::remove(root / relative); }
 
     LinuxDeviceFacts facts() const {
         LinuxDeviceFacts::Sources sources;
@@ -43,9 +42,6 @@ TEST_F(LinuxMachine, VendorIdIsAStableUuidDerivedFromTheMachineId) {
     const auto id = facts().vendorIdentifier();
     // Pinned: a change here would give every installed machine a new identity.
     EXPECT_EQ(id, "99C376F8-115D-4D92-AD52-79AD53261391");
-    EXPECT_TRUE(std::regex_match(id, kUpperUuid));
-    EXPECT_EQ(facts().vendorIdentifier(), id);
-
     write("etc/machine-id", "0123456789ABCDEF0123456789ABCDEF");
     EXPECT_EQ(facts().vendorIdentifier(), id) << "the same id in upper case is the same machine";
 
@@ -57,11 +53,11 @@ TEST_F(LinuxMachine, VendorIdIsAStableUuidDerivedFromTheMachineId) {
         write("etc/machine-id", unusable);
         EXPECT_EQ(facts().vendorIdentifier(), "") << unusable;
     }
-    remove("etc/machine-id");
+    fs::remove(root / "etc/machine-id");
     EXPECT_EQ(facts().vendorIdentifier(), "");
 }
 
-TEST_F(LinuxMachine, DeviceNamePrefersThePrettyHostname) {
+TEST_F(LinuxMachine, NameModelAndSystemComeFromTheirFilesWithFallbacks) {
     EXPECT_EQ(facts().deviceName(), "");
     write("etc/hostname", "static-name\n");
     EXPECT_EQ(facts().deviceName(), "static-name");
@@ -72,18 +68,14 @@ TEST_F(LinuxMachine, DeviceNamePrefersThePrettyHostname) {
     EXPECT_EQ(facts().deviceName(), "Máy của \"Lan\"");
     write("etc/machine-info", "PRETTY_HOSTNAME=\n");
     EXPECT_EQ(facts().deviceName(), "kernel-name") << "an empty pretty name does not count";
-}
 
-TEST_F(LinuxMachine, ModelIsTheProductNameOrPc) {
     EXPECT_EQ(facts().model(), "PC");
     write("sys/class/dmi/id/product_name", "  \n");
     EXPECT_EQ(facts().model(), "PC");
     write("sys/class/dmi/id/product_name", "ThinkPad X1 Carbon Gen 9\n");
     EXPECT_EQ(facts().model(), "ThinkPad X1 Carbon Gen 9");
     EXPECT_EQ(facts().localizedModel(), "ThinkPad X1 Carbon Gen 9");
-}
 
-TEST_F(LinuxMachine, SystemNameAndVersionComeFromOsRelease) {
     EXPECT_EQ(facts().systemName(), "Linux");
     EXPECT_EQ(facts().systemVersion(), "");
     write("usr/lib/os-release", "NAME=Fedora\nVERSION_ID=40\n");
@@ -125,8 +117,8 @@ TEST_F(LinuxMachine, TimeZoneFromTzThenTimezoneFileThenLocaltimeLink) {
     EXPECT_EQ(facts().timeZoneIdentifier(), "Europe/Paris");
 
     environment.clear();
-    remove("etc/timezone");
-    remove("etc/localtime");
+    fs::remove(root / "etc/timezone");
+    fs::remove(root / "etc/localtime");
     write("etc/localtime", "TZif copied, not linked");
     EXPECT_EQ(facts().timeZoneIdentifier(), "") << "a copied zone file names no zone";
 }
@@ -148,8 +140,7 @@ TEST_F(LinuxMachine, PrimaryInterfaceIsTheDefaultRouteWithTheLowestMetric) {
 
 TEST_F(LinuxMachine, ScreenComesFromTheHostOnceADisplayIsKnown) {
     auto f = facts();
-    auto none = f.screen();
-    EXPECT_EQ(std::tuple(none.width, none.height, none.scale), std::tuple(0.0, 0.0, 1.0));
+    EXPECT_EQ(std::tuple(f.screen().width, f.screen().height, f.screen().scale), std::tuple(0.0, 0.0, 1.0));
     f.setScreenSource([] { return ovix::platform::ScreenFacts{1920, 1080, 1.25}; });
     EXPECT_EQ(f.screen().scale, 1.25);
     EXPECT_TRUE(f.carrierNames().empty());
@@ -162,14 +153,7 @@ TEST(LinuxMachineReal, RecordOfThisMachineIsReadByAnIndependentParser) {
     headless.platform->deviceFacts = real;
     headless.install();
 
-    auto addresses = real->interfaceAddresses();
-    ASSERT_TRUE(addresses) << "getifaddrs failed";
-    const std::regex dottedQuad(R"(\d{1,3}\.\d{1,3}\.\d{1,3}\.\d{1,3})");
-    for (const auto& a : *addresses) {
-        if (a.family == ovix::platform::InterfaceAddress::Family::IPv4) {
-            EXPECT_TRUE(std::regex_match(a.numericHost, dottedQuad)) << a.name << " " << a.numericHost;
-        }
-    }
+    ASSERT_TRUE(real->interfaceAddresses()) << "getifaddrs failed";
 
     auto json = nlohmann::json::parse(
         ovix::DeviceInfoCollector::toJsonString(ovix::DeviceInfoCollector::buildDeviceInfoJson({}, {})));
@@ -184,7 +168,7 @@ TEST(LinuxMachineReal, RecordOfThisMachineIsReadByAnIndependentParser) {
     const auto deviceId = json.at("device_id").get<std::string>();
     EXPECT_TRUE(deviceId.empty() || std::regex_match(deviceId, kUpperUuid)) << deviceId;
     const auto ip = json.at("network").at("ip").get<std::string>();
-    EXPECT_TRUE(ip.empty() || std::regex_match(ip, dottedQuad)) << ip;
+    EXPECT_TRUE(ip.empty() || std::regex_match(ip, std::regex(R"(\d{1,3}(\.\d{1,3}){3})"))) << ip;
     EXPECT_FALSE(json.at("os").at("sdk").get<std::string>().empty());
 }
 

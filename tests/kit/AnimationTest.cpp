@@ -74,8 +74,8 @@ TEST_F(Animation, ProgressAnimatesOnItsOwnOutsideABlockAndClamps) {
     auto bar = kit::ProgressView::create();
     bar->setProgress(2, true);
     EXPECT_DOUBLE_EQ(bar->progress(), 1);
-    EXPECT_GT(bar->presentationProgress(kit::ProgressView::defaultAnimationDuration / 2), 0);
-    EXPECT_LT(bar->presentationProgress(kit::ProgressView::defaultAnimationDuration / 2), 1);
+    const double half = bar->presentationProgress(kit::ProgressView::defaultAnimationDuration / 2);
+    EXPECT_TRUE(half > 0 && half < 1) << half;
     bar->setProgress(-1);
     EXPECT_DOUBLE_EQ(bar->progress(), 0);
 }
@@ -100,12 +100,7 @@ TEST_F(Animation, ANewAnimationStartsFromWhatIsOnScreen) {
 TEST_F(Animation, LayoutInsideABlockAnimatesTheSolvedFrames) {
     auto root = View::create({0, 0, 390, 844});
     auto web = View::create();
-    web->setTranslatesAutoresizingMaskIntoConstraints(false);
-    root->addSubview(web);
-    auto top = web->topAnchor().constraintEqualTo(root->topAnchor());
-    kit::LayoutConstraint::activate({top, web->leadingAnchor().constraintEqualTo(root->leadingAnchor()),
-                                     web->trailingAnchor().constraintEqualTo(root->trailingAnchor()),
-                                     web->bottomAnchor().constraintEqualTo(root->bottomAnchor())});
+    auto top = pin(web, root).front();
     root->layoutIfNeeded();
     top->setConstant(80);
     View::animate(0.25, [&] { root->layoutIfNeeded(); });

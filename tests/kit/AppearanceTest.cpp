@@ -129,7 +129,14 @@ TEST_F(Appearance, ButtonStatesFallBackToNormal) {
     button->setEnabled(false);
     EXPECT_EQ(button->currentTitleColor(), Color::gray());
     EXPECT_EQ(button->currentTitle(), "Báo lỗi") << "no disabled title: the normal one";
+    button->setHighlighted(true);
+    button->setSelected(true);
+    EXPECT_EQ(button->state(), kit::ControlState::disabled) << "disabled, then highlighted, then selected";
     button->setEnabled(true);
+    EXPECT_EQ(button->state(), kit::ControlState::highlighted);
+    button->setHighlighted(false);
+    EXPECT_EQ(button->state(), kit::ControlState::selected);
+    button->setSelected(false);
 
     auto plain = kit::Button::create(kit::ButtonType::system);
     plain->setTitle("← Back");

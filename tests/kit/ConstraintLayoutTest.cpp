@@ -312,28 +312,5 @@ TEST_F(ConstraintLayout, ConstraintsWithoutACommonAncestorStayInactive) {
     EXPECT_NE(headless.console->lines()[0].find("no common ancestor"), std::string::npos);
 }
 
-TEST_F(ConstraintLayout, FittingSizeFollowsTheContent) {
-    auto cell = View::create({0, 0, 320, 44});
-    auto title = kit::Label::create("Title");
-    title->setTranslatesAutoresizingMaskIntoConstraints(false);
-    auto line = constrained();
-    cell->addSubview(title);
-    cell->addSubview(line);
-    LayoutConstraint::activate({
-        title->topAnchor().constraintEqualTo(cell->topAnchor(), 8),
-        title->leadingAnchor().constraintEqualTo(cell->leadingAnchor(), 8),
-        line->topAnchor().constraintEqualTo(title->bottomAnchor(), 16),
-        line->heightAnchor().constraintEqualToConstant(1),
-        line->leadingAnchor().constraintEqualTo(cell->leadingAnchor()),
-        line->trailingAnchor().constraintEqualTo(cell->trailingAnchor()),
-        line->bottomAnchor().constraintEqualTo(cell->bottomAnchor()),
-    });
-    kit::Size size = cell->systemLayoutSizeFitting({320, 0}, kit::LayoutPriority::required,
-                                                   kit::LayoutPriority::fittingSizeLevel);
-    EXPECT_EQ(size.width, 320);
-    EXPECT_EQ(size.height, 8 + title->intrinsicContentSize().height + 16 + 1);
-    EXPECT_EQ(cell->frame(), (Rect{0, 0, 320, 44})) << "measuring does not move anything";
-}
-
 }  // namespace
 }  // namespace ovix::test

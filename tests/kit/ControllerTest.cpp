@@ -32,23 +32,20 @@ class CountingController : public ViewController {
 
 class Controllers : public KitTest {};
 
-TEST_F(Controllers, ViewLoadsOnceThenViewDidLoad) {
-    auto c = std::make_shared<CountingController>();
-    EXPECT_FALSE(c->isViewLoaded());
-    auto v = c->view();
-    EXPECT_EQ(c->view(), v);
-    EXPECT_EQ(c->loads, 1);
+TEST_F(Controllers, ViewLoadsOnceAndTheRootFillsTheWindowUnderOverlays) {
+    auto first = std::make_shared<CountingController>();
+    EXPECT_FALSE(first->isViewLoaded());
+    auto v = first->view();
+    EXPECT_EQ(first->view(), v);
+    EXPECT_EQ(first->loads, 1);
     EXPECT_EQ(v->frame(), (Rect{0, 0, 390, 844})) << "the default view covers the main screen";
-    EXPECT_EQ(v->viewController(), c);
+    EXPECT_EQ(v->viewController(), first);
     EXPECT_EQ(v->backgroundColor(), kit::Color::white());
-}
 
-TEST_F(Controllers, RootControllerFillsTheWindowAndKeepsOverlaysOnTop) {
     auto w = window();
     EXPECT_TRUE(w->isKeyWindow());
     EXPECT_FALSE(w->isHidden());
     auto overlay = kit::View::create({100, 200, 50, 50});
-    auto first = std::make_shared<CountingController>();
     w->setRootViewController(first);
     w->addSubview(overlay);
     auto second = std::make_shared<CountingController>();
@@ -151,8 +148,7 @@ TEST_F(Controllers, NavigationBarShowsTheTopItemAndInsetsTheSafeArea) {
     EXPECT_EQ(bar->frame(), (Rect{0, 47, 390, 44}));
     EXPECT_EQ(root->view()->safeAreaInsets().top, 47 + 44);
     EXPECT_TRUE(bar->leftButton()->isHidden());
-    kit::Rect ok = bar->rightButton()->convertTo(bar->rightButton()->bounds(), nullptr);
-    window()->tap({ok.midX(), ok.midY()});
+    tapCentre(*bar->rightButton());
     EXPECT_EQ(done, 1);
 
     nav->setNavigationBarHidden(true, false);
@@ -189,8 +185,7 @@ TEST_F(Controllers, AlertActionsDismissThenRunTheirHandler) {
     EXPECT_NEAR(card->frame().midX(), 195, 1e-9);
     auto destructive = alert->buttonForAction(1);
     EXPECT_EQ(destructive->currentTitleColor(), kit::Color::systemRed());
-    kit::Rect r = destructive->convertTo(destructive->bounds(), nullptr);
-    window()->tap({r.midX(), r.midY()});
+    tapCentre(*destructive);
     EXPECT_EQ(root->presentedViewController(), nullptr);
     EXPECT_TRUE(ran.empty()) << "the handler waits for the alert to be gone";
     queue().advance(kit::ViewController::transitionDuration);
@@ -221,14 +216,9 @@ TEST_F(Controllers, ActionSheetsStackTheirButtonsWithCancelLast) {
     EXPECT_GT(sheet->cardView()->frame().y(), 844 / 2) << "an action sheet sits low";
     EXPECT_EQ(sheet->buttonForAction(3), nullptr);
 
-    auto tapButton = [&](std::size_t index) {
-        auto button = sheet->buttonForAction(index);
-        kit::Rect r = button->convertTo(button->bounds(), nullptr);
-        window()->tap({r.midX(), r.midY()});
-    };
-    tapButton(2);
+    tapCentre(*sheet->buttonForAction(2));
     EXPECT_EQ(root->presentedViewController(), sheet) << "a disabled action does nothing";
-    tapButton(0);
+    tapCentre(*sheet->buttonForAction(0));
     queue().advance(1);
     EXPECT_EQ(ran, std::vector<std::string>{"Hủy"});
     EXPECT_EQ(root->presentedViewController(), nullptr);

@@ -67,16 +67,6 @@ TEST_F(Basics, HiddenWindowsTakeNoTouches) {
     EXPECT_EQ(taps, 1);
 }
 
-TEST_F(Basics, ControlStatePrecedence) {
-    auto button = kit::Button::create();
-    button->setSelected(true);
-    EXPECT_EQ(button->state(), kit::ControlState::selected);
-    button->setHighlighted(true);
-    EXPECT_EQ(button->state(), kit::ControlState::highlighted);
-    button->setEnabled(false);
-    EXPECT_EQ(button->state(), kit::ControlState::disabled);
-}
-
 /// Counts the times it was moved into or out of a window.
 class WindowWatcher : public kit::View {
   public:

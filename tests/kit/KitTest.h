@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "ovix/kit/Application.h"
+#include "ovix/kit/LayoutConstraint.h"
 #include "ovix/kit/Window.h"
 #include "ovix/testing/HeadlessPlatform.h"
 
@@ -21,9 +22,40 @@ class KitTest : public ::testing::Test {
 
     std::shared_ptr<kit::Window> window() { return headless.application->windows().front(); }
     testing::VirtualMainQueue& queue() { return *headless.mainQueue; }
+    /// Taps the middle of `view` in the key window.
+    void tapCentre(const kit::View& view) {
+        kit::Rect r = view.convertTo(view.bounds(), nullptr);
+        window()->tap({r.midX(), r.midY()});
+    }
 
     testing::HeadlessPlatform headless;
 };
+
+/// A view sized by constraints alone.
+inline std::shared_ptr<kit::View> box(double w, double h) {
+    auto v = kit::View::create();
+    v->setTranslatesAutoresizingMaskIntoConstraints(false);
+    kit::LayoutConstraint::activate(
+        {v->widthAnchor().constraintEqualToConstant(w), v->heightAnchor().constraintEqualToConstant(h)});
+    return v;
+}
+
+/// Adds `view` to `root` and pins its edges `inset` inside; returns the top, bottom, leading and
+/// trailing constraints.
+inline std::vector<std::shared_ptr<kit::LayoutConstraint>> pin(const std::shared_ptr<kit::View>& view,
+                                                               const std::shared_ptr<kit::View>& root,
+                                                               double inset = 0) {
+    view->setTranslatesAutoresizingMaskIntoConstraints(false);
+    root->addSubview(view);
+    std::vector<std::shared_ptr<kit::LayoutConstraint>> edges{
+        view->topAnchor().constraintEqualTo(root->topAnchor(), inset),
+        view->bottomAnchor().constraintEqualTo(root->bottomAnchor(), -inset),
+        view->leadingAnchor().constraintEqualTo(root->leadingAnchor(), inset),
+        view->trailingAnchor().constraintEqualTo(root->trailingAnchor(), -inset),
+    };
+    kit::LayoutConstraint::activate(edges);
+    return edges;
+}
 
 /// Rectangles compared within floating-point noise.
 inline ::testing::AssertionResult rectNear(const kit::Rect& actual, const kit::Rect& expected,

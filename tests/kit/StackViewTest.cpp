@@ -15,26 +15,6 @@ using kit::Rect;
 using kit::StackView;
 using kit::View;
 
-std::shared_ptr<View> box(double w, double h) {
-    auto v = View::create();
-    v->setTranslatesAutoresizingMaskIntoConstraints(false);
-    LayoutConstraint::activate(
-        {v->widthAnchor().constraintEqualToConstant(w), v->heightAnchor().constraintEqualToConstant(h)});
-    return v;
-}
-
-/// `stack` pinned to `root`'s edges.
-void pin(const std::shared_ptr<View>& stack, const std::shared_ptr<View>& root, double inset = 0) {
-    stack->setTranslatesAutoresizingMaskIntoConstraints(false);
-    root->addSubview(stack);
-    LayoutConstraint::activate({
-        stack->topAnchor().constraintEqualTo(root->topAnchor(), inset),
-        stack->bottomAnchor().constraintEqualTo(root->bottomAnchor(), -inset),
-        stack->leadingAnchor().constraintEqualTo(root->leadingAnchor(), inset),
-        stack->trailingAnchor().constraintEqualTo(root->trailingAnchor(), -inset),
-    });
-}
-
 class StackViews : public KitTest {};
 
 TEST_F(StackViews, FillEquallySplitsTheWidthExactly) {

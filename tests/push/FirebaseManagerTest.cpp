@@ -15,6 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 using ovix::Dictionary;
 using ovix::FirebaseManager;
+using Lines = std::vector<std::string>;
 
 const fs::path kData = OVIX_PUSH_TEST_DATA;
 constexpr const char* kHostLine = "✅ Firebase configured with host app GoogleService-Info.plist";
@@ -37,182 +38,153 @@ class Push : public ::testing::Test {
         headless.store->setString(ovix::SessionManager::shared().clientIdKey, "client-7");
     }
 
-    void place(const fs::path& source, const fs::path& directory) {
+    void place(const char* source, const fs::path& directory) {
         fs::create_directories(root / directory);
-        fs::copy_file(source, root / directory / "GoogleService-Info.plist",
+        fs::copy_file(kData / source, root / directory / "GoogleService-Info.plist",
                       fs::copy_options::overwrite_existing);
     }
-    std::vector<std::string> lines() const { return headless.console->lines(); }
-    FirebaseManager& manager = FirebaseManager::shared();
+    /// Configures and lets the registration happen, then forgets the configure line.
+    void configured() {
+        manager.configure();
+        headless.mainQueue->runUntilIdle();
+        headless.console->clear();
+    }
+    Lines lines() const { return headless.console->lines(); }
+    void expectDelegatesInstalled(bool installed) {
+        EXPECT_EQ(headless.pushClient->delegate().get(), installed ? &manager : nullptr);
+        EXPECT_EQ(headless.notificationCenter->delegate().get(), installed ? &manager : nullptr);
+        EXPECT_EQ(headless.notificationCenter->requestCount(), installed ? 1 : 0);
+    }
 
+    FirebaseManager& manager = FirebaseManager::shared();
     ovix::test::ScratchDirectory root{"ovix-push"};
     ovix::testing::HeadlessPlatform headless;
     std::shared_ptr<ovix::test::RecordingApplication> application;
 };
 
 TEST_F(Push, HostOptionsComeFirstThenDelegatesAndPermissionRequest) {
-    place(kData / "options-xml.plist", "host");
-    place(kData / "options-binary.plist", "sdk");
+    place("options-xml.plist", "host");
+    place("options-binary.plist", "sdk");
     manager.configure();
 
-    EXPECT_EQ(lines(), std::vector<std::string>{kHostLine});
+    EXPECT_EQ(lines(), Lines{kHostLine});
     ASSERT_TRUE(headless.pushClient->configuredOptions());
     EXPECT_EQ(headless.pushClient->configuredOptions()->googleAppId, "1:123456789012:ios:abcdef0123456789");
-    EXPECT_EQ(headless.pushClient->delegate().get(), &manager);
-    EXPECT_EQ(headless.notificationCenter->delegate().get(), &manager);
-    EXPECT_EQ(headless.notificationCenter->requestCount(), 1);
+    expectDelegatesInstalled(true);
     EXPECT_EQ(headless.notificationCenter->lastRequestOptions(), 7u);
-    EXPECT_EQ(application->registrations(), 0) << "granted inline, yet registered only from the main queue";
+    EXPECT_TRUE(application->calls().empty()) << "granted inline, yet registered only from the main queue";
     headless.mainQueue->runUntilIdle();
-    EXPECT_EQ(application->registrations(), 1);
+    EXPECT_EQ(application->calls(), Lines{"register"});
 }
 
 TEST_F(Push, OptionsOnlyInTheSdkBundleAreUsedWithTheSecondLine) {
-    place(kData / "options-binary.plist", "sdk");
+    place("options-binary.plist", "sdk");
     manager.configure();
-    EXPECT_EQ(lines(), std::vector<std::string>{kSdkLine});
+    EXPECT_EQ(lines(), Lines{kSdkLine});
     EXPECT_EQ(headless.pushClient->configuredOptions()->projectId, "ovix-binary");
 }
 
 TEST_F(Push, UnreadableHostFileFallsBackToTheSdkResourceBundle) {
     root.write("host/GoogleService-Info.plist", "not a property list");
-    place(kData / "options-xml.plist", "sdk/OvixSdkResources.bundle");
+    place("options-xml.plist", "sdk/OvixSdkResources.bundle");
     manager.configure();
-    EXPECT_EQ(lines(), std::vector<std::string>{kSdkLine});
+    EXPECT_EQ(lines(), Lines{kSdkLine});
     auto attempts = headless.pushClient->configureAttempts();
     ASSERT_FALSE(attempts.empty());
     EXPECT_EQ(attempts.front(), root / "host" / "GoogleService-Info.plist")
         << "the host's file is tried first";
 }
 
-TEST_F(Push, NoUsableOptionsStillInstallsDelegatesAndAsks) {
-    place(kData / "options-xml.plist", "host");
+TEST_F(Push, NoUsableOptionsStillAsksAndARefusalRegistersNothing) {
+    place("options-xml.plist", "host");
     headless.pushClient->setAcceptsOptions(false);
-    manager.configure();
-    EXPECT_EQ(lines(), std::vector<std::string>{kNotFoundLine});
-    EXPECT_FALSE(headless.pushClient->hasDefaultApp());
-    EXPECT_EQ(headless.pushClient->delegate().get(), &manager);
-    EXPECT_EQ(headless.notificationCenter->delegate().get(), &manager);
-    EXPECT_EQ(headless.notificationCenter->requestCount(), 1);
-}
-
-TEST_F(Push, AlreadyConfiguredOnlyWarns) {
-    place(kData / "options-xml.plist", "host");
-    headless.pushClient->setHasDefaultApp(true);
-    manager.configure();
-    EXPECT_EQ(lines(), std::vector<std::string>{kAlreadyLine});
-    EXPECT_TRUE(headless.pushClient->configureAttempts().empty());
-    EXPECT_EQ(headless.pushClient->delegate(), nullptr);
-    EXPECT_EQ(headless.notificationCenter->delegate(), nullptr);
-    EXPECT_EQ(headless.notificationCenter->requestCount(), 0);
-}
-
-TEST_F(Push, InitSdkRunsThePushSetUpOnEveryCall) {
-    place(kData / "options-xml.plist", "host");
-    ovix::OvixCore::shared().initSdk("client-9", "", "", "");
-    ovix::OvixCore::shared().initSdk("client-9", "", "", "");
-    EXPECT_EQ(lines(), (std::vector<std::string>{kHostLine, kAlreadyLine}));
-    EXPECT_EQ(headless.notificationCenter->requestCount(), 1);
-}
-
-TEST_F(Push, GrantedPermissionRegistersOnTheMainQueueOnly) {
-    headless.notificationCenter->setDeliverOnBackgroundThread(true);
-    manager.configure();
-    ASSERT_TRUE(headless.mainQueue->runUntil([&] { return application->registrations() > 0; }));
-    EXPECT_EQ(application->registrations(), 1);
-    EXPECT_EQ(application->offMainCalls(), 0);
-}
-
-TEST_F(Push, RefusedPermissionRegistersNothingAndSaysNothing) {
     headless.notificationCenter->setAnswer(false, "denied by the player");
     manager.configure();
     headless.mainQueue->runUntilIdle();
-    EXPECT_EQ(application->registrations(), 0);
-    EXPECT_EQ(lines(), std::vector<std::string>{kNotFoundLine});
+    EXPECT_EQ(lines(), Lines{kNotFoundLine});
+    EXPECT_FALSE(headless.pushClient->hasDefaultApp());
+    expectDelegatesInstalled(true);
+    EXPECT_TRUE(application->calls().empty());
+}
+
+TEST_F(Push, AlreadyConfiguredOnlyWarns) {
+    place("options-xml.plist", "host");
+    headless.pushClient->setHasDefaultApp(true);
+    manager.configure();
+    EXPECT_EQ(lines(), Lines{kAlreadyLine});
+    EXPECT_TRUE(headless.pushClient->configureAttempts().empty());
+    expectDelegatesInstalled(false);
+}
+
+TEST_F(Push, InitSdkRunsThePushSetUpOnEveryCall) {
+    place("options-xml.plist", "host");
+    ovix::OvixCore::shared().initSdk("client-9", "", "", "");
+    ovix::OvixCore::shared().initSdk("client-9", "", "", "");
+    EXPECT_EQ(lines(), (Lines{kHostLine, kAlreadyLine}));
+    EXPECT_EQ(headless.notificationCenter->requestCount(), 1);
+}
+
+TEST_F(Push, PermissionGrantedOnAnotherThreadRegistersOnTheMainQueue) {
+    headless.notificationCenter->setDeliverOnBackgroundThread(true);
+    manager.configure();
+    ASSERT_TRUE(headless.mainQueue->runUntil([&] { return !application->calls().empty(); }));
+    EXPECT_EQ(application->calls(), Lines{"register"});
 }
 
 TEST_F(Push, EveryTokenIsCachedPrintedAndSubscribesTheSameTopic) {
-    manager.configure();
-    headless.console->clear();
-
+    configured();
     ASSERT_TRUE(headless.pushClient->deliverToken("token-1"));
     EXPECT_EQ(manager.fcmTokenCache(), "token-1");
     // A refresh, from the service's own thread.
     std::thread([&] { headless.pushClient->deliverToken("token-2"); }).join();
     EXPECT_EQ(manager.fcmTokenCache(), "token-2");
+    headless.pushClient->deliverToken(std::nullopt);  // an absent token does nothing
+    EXPECT_EQ(manager.fcmTokenCache(), "token-2");
 
-    EXPECT_EQ(headless.pushClient->subscriptions(),
-              (std::vector<std::string>{"games-dev-client-7", "games-dev-client-7"}));
-    EXPECT_EQ(lines(), (std::vector<std::string>{
-                           "📲 FCM Token: token-1", "✅ Subscribed to topic: games-dev-client-7",
-                           "📲 FCM Token: token-2", "✅ Subscribed to topic: games-dev-client-7"}));
+    EXPECT_EQ(headless.pushClient->subscriptions(), (Lines{"games-dev-client-7", "games-dev-client-7"}));
+    EXPECT_EQ(lines(), (Lines{"📲 FCM Token: token-1", "✅ Subscribed to topic: games-dev-client-7",
+                              "📲 FCM Token: token-2", "✅ Subscribed to topic: games-dev-client-7"}));
     EXPECT_FALSE(manager.apnsTokenReady());
-}
-
-TEST_F(Push, AbsentTokenDoesNothing) {
-    manager.configure();
-    headless.pushClient->deliverToken("kept");
-    headless.console->clear();
-    headless.pushClient->deliverToken(std::nullopt);
-    EXPECT_EQ(manager.fcmTokenCache(), "kept");
-    EXPECT_TRUE(lines().empty());
-    EXPECT_EQ(headless.pushClient->subscriptions().size(), 1u);
 }
 
 TEST_F(Push, TopicKeepsTheHyphenWithoutClientIdAndReportsFailures) {
     headless.store->remove(ovix::SessionManager::shared().clientIdKey);
     headless.pushClient->setSubscriptionError("The Internet connection appears to be offline.");
-    manager.configure();
-    headless.console->clear();
+    configured();
     headless.pushClient->deliverToken("t");
-    EXPECT_EQ(headless.pushClient->subscriptions(), std::vector<std::string>{"games-dev-"});
+    EXPECT_EQ(headless.pushClient->subscriptions(), Lines{"games-dev-"});
     EXPECT_EQ(
         lines(),
-        (std::vector<std::string>{
-            "📲 FCM Token: t",
-            "❌ Failed to subscribe to topic games-dev-: The Internet connection appears to be offline."}));
+        (Lines{"📲 FCM Token: t",
+               "❌ Failed to subscribe to topic games-dev-: The Internet connection appears to be offline."}));
 }
 
 TEST_F(Push, ForegroundNotificationIsLoggedShownAndItsLinkOpenedOnTheMainQueue) {
-    manager.configure();
-    headless.console->clear();
+    configured();
     Dictionary data{
         {"url", "https://ovix.vn/event?id=7"}, {"reward", "100"}, {"type", "gift"}, {"icon", "i.png"}};
     EXPECT_EQ(headless.notificationCenter->presentInForeground(data), 19u);
     EXPECT_EQ(
         lines(),
-        std::vector<std::string>{
-            "Notification Data - reward: 100, type: gift, icon: i.png, url: https://ovix.vn/event?id=7"});
-    EXPECT_TRUE(application->opened().empty()) << "opened later, on the main queue";
+        Lines{"Notification Data - reward: 100, type: gift, icon: i.png, url: https://ovix.vn/event?id=7"});
+    EXPECT_EQ(application->calls(), Lines{"register"}) << "opened later, on the main queue";
     headless.mainQueue->runUntilIdle();
-    EXPECT_EQ(application->opened(), std::vector<std::string>{"https://ovix.vn/event?id=7"});
-    EXPECT_EQ(application->offMainCalls(), 0);
+    EXPECT_EQ(application->calls(), (Lines{"register", "open https://ovix.vn/event?id=7"}));
 }
 
-TEST_F(Push, NonTextValuesLogAsEmptyAndBadLinksAreIgnored) {
-    manager.configure();
-    headless.console->clear();
-    EXPECT_EQ(headless.notificationCenter->presentInForeground(Dictionary{{"reward", 100}, {"type", true}}),
-              19u);
-    EXPECT_EQ(
-        headless.notificationCenter->presentInForeground(Dictionary{{"url", "not a url"}, {"icon", "x"}}),
-        19u);
-    EXPECT_EQ(headless.notificationCenter->presentInForeground(Dictionary{{"url", 42}}), 19u);
-    headless.mainQueue->runUntilIdle();
-    EXPECT_EQ(lines(),
-              (std::vector<std::string>{"Notification Data - reward: , type: , icon: , url: ",
-                                        "Notification Data - reward: , type: , icon: x, url: not a url",
-                                        "Notification Data - reward: , type: , icon: , url: "}));
-    EXPECT_TRUE(application->opened().empty());
-}
-
-TEST_F(Push, TappingOnlyCompletes) {
-    manager.configure();
-    headless.console->clear();
+TEST_F(Push, NonTextValuesLogAsEmptyBadLinksAreIgnoredAndATapOnlyCompletes) {
+    configured();
+    for (const Dictionary& data :
+         {Dictionary{{"reward", 100}, {"type", true}}, Dictionary{{"url", "not a url"}, {"icon", "x"}},
+          Dictionary{{"url", 42}}}) {
+        EXPECT_EQ(headless.notificationCenter->presentInForeground(data), 19u);
+    }
     EXPECT_TRUE(headless.notificationCenter->tap(Dictionary{{"url", "https://ovix.vn"}, {"reward", "5"}}));
     headless.mainQueue->runUntilIdle();
-    EXPECT_TRUE(application->opened().empty());
-    EXPECT_TRUE(lines().empty());
+    EXPECT_EQ(lines(), (Lines{"Notification Data - reward: , type: , icon: , url: ",
+                              "Notification Data - reward: , type: , icon: x, url: not a url",
+                              "Notification Data - reward: , type: , icon: , url: "}));
+    EXPECT_EQ(application->calls(), Lines{"register"}) << "nothing opened";
 }
 
 TEST(PushUrl, AbsoluteUrlsWithAUriAlphabetAreValid) {

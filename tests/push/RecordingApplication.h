@@ -9,8 +9,9 @@
 
 namespace ovix::test {
 
-/// An application without windows that records the URLs it opens and its registrations for remote
-/// notifications, and whether each came on the main thread.
+/// An application without windows that records, in order, the URLs it opens ("open <url>") and its
+/// registrations for remote notifications ("register"); a call off the main thread is prefixed
+/// "off-main ".
 class RecordingApplication : public platform::Application {
   public:
     // Held weakly: work pending on the queue may hold this application.
@@ -18,44 +19,26 @@ class RecordingApplication : public platform::Application {
 
     std::vector<std::shared_ptr<kit::WindowScene>> connectedScenes() const override { return {}; }
     std::vector<std::shared_ptr<kit::Window>> windows() const override { return {}; }
-    bool open(const std::string& url) override {
-        std::lock_guard lock(mutex_);
-        opened_.push_back(url);
-        offMain_ += !onMain();
-        return true;
-    }
+    bool open(const std::string& url) override { return record("open " + url); }
     bool canOpen(const std::string&) const override { return true; }
-    void registerForRemoteNotifications() override {
-        std::lock_guard lock(mutex_);
-        ++registrations_;
-        offMain_ += !onMain();
-    }
+    void registerForRemoteNotifications() override { record("register"); }
 
-    std::vector<std::string> opened() const {
+    std::vector<std::string> calls() const {
         std::lock_guard lock(mutex_);
-        return opened_;
-    }
-    int registrations() const {
-        std::lock_guard lock(mutex_);
-        return registrations_;
-    }
-    /// Calls that arrived off the main thread.
-    int offMainCalls() const {
-        std::lock_guard lock(mutex_);
-        return offMain_;
+        return calls_;
     }
 
   private:
-    bool onMain() const {
+    bool record(const std::string& call) {
         auto queue = queue_.lock();
-        return queue && queue->isMainThread();
+        std::lock_guard lock(mutex_);
+        calls_.push_back((queue && queue->isMainThread() ? "" : "off-main ") + call);
+        return true;
     }
 
     std::weak_ptr<platform::MainQueue> queue_;
     mutable std::mutex mutex_;
-    std::vector<std::string> opened_;
-    int registrations_ = 0;
-    int offMain_ = 0;
+    std::vector<std::string> calls_;
 };
 
 }  // namespace ovix::test
