@@ -183,14 +183,14 @@ gboolean WebKitGtkPage::onLoadFailed(WebKitWebView*, WebKitLoadEvent, char* uri,
     const std::string failing = uri ? uri : "";
     const WebError failure = errorFrom(error);
     const bool cancelled = failure.kind == WebError::Kind::Cancelled;
+    // A load abandoned on its time-out may still end later, however it ends (cancelled when a newer
+    // load replaces it, interrupted when its answer finally arrives); its time-out was reported.
+    if (!page->timedOutUrl_.empty() && failing == page->timedOutUrl_ && failing != page->loadingUrl_) {
+        return TRUE;
+    }
     page->failed_ = true;
     if (cancelled && page->stopping_ && failing == page->timedOutUrl_) {
         page->stopping_ = false;  // the load we stopped on its time-out, reported then
-        return TRUE;
-    }
-    // A time-out can fire before a slow web process has even begun the load; the load then begins
-    // anyway and is cancelled only when a newer one replaces it. Its time-out was reported already.
-    if (cancelled && failing == page->timedOutUrl_ && failing != page->loadingUrl_) {
         return TRUE;
     }
     // A cancellation of another address ends an earlier load that a newer one replaced; the newer
