@@ -8,7 +8,7 @@
 namespace {
 
 class PrintingListener : public ovix::OvixSdkListener {
-public:
+  public:
     void onEventReceived(const std::string& event, const ovix::Value& data) override {
         std::cout << "event: " << event << " data: " << data.toJson() << std::endl;
     }

@@ -23,7 +23,7 @@ namespace ovix {
 /// Threading: UI operations must be called on the main thread. No operation throws; failures arrive
 /// as nil results, `BILLING_ERROR` events, alerts or console lines.
 class OvixCore {
-public:
+  public:
     static OvixCore& shared();
 
     OvixCore(const OvixCore&) = delete;
@@ -83,7 +83,7 @@ public:
     /// calling thread. Used by the SDK's own components; a game may raise its reserved events too.
     void raise(std::string_view event, const Value& data = Value()) const;
 
-private:
+  private:
     OvixCore();
 
     const std::string urlString_;

@@ -12,7 +12,7 @@ namespace ovix {
 /// network thread for purchases); do not assume the main thread. The SDK holds the listener weakly:
 /// keep it alive yourself; once you release it, events are dropped silently.
 class OvixSdkListener {
-public:
+  public:
     virtual ~OvixSdkListener() = default;
     /// `event` is one of the `OvixEvents` values; `data` is null for login and logout and carries the
     /// payload described for each purchase event otherwise.

@@ -28,7 +28,7 @@ using Array = std::vector<Value>;
 /// not an integer, an unsigned 5 is not a signed 5 and an integer is not a double. Each accessor
 /// returns a pointer (null when the kind differs) or an optional.
 class Value {
-public:
+  public:
     enum class Kind { Null, Bool, Int, UInt, Double, String, Date, Array, Object };
 
     Value() = default;
@@ -83,7 +83,7 @@ public:
 
     friend bool operator==(const Value& a, const Value& b);
 
-private:
+  private:
     using Storage = std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string, Date,
                                  std::shared_ptr<Array>, std::shared_ptr<Dictionary>>;
     Storage data_;

@@ -101,11 +101,17 @@ void installAsRoot(std::shared_ptr<kit::ViewController> screen) {
 
 }  // namespace
 
-void OvixCore::showSplash() { installAsRoot(SplashViewController::create()); }
+void OvixCore::showSplash() {
+    installAsRoot(SplashViewController::create());
+}
 
-void OvixCore::showLogin() { installAsRoot(LoginViewController::create()); }
+void OvixCore::showLogin() {
+    installAsRoot(LoginViewController::create());
+}
 
-std::string OvixCore::getTokenApp() const { return SessionManager::readString(SessionManager::shared().tokenKey); }
+std::string OvixCore::getTokenApp() const {
+    return SessionManager::readString(SessionManager::shared().tokenKey);
+}
 
 void OvixCore::requestNotificationPermission(std::function<void(bool)> callback) {
     using platform::AuthorizationStatus;
@@ -131,8 +137,9 @@ void OvixCore::requestNotificationPermission(std::function<void(bool)> callback)
                 break;
             case AuthorizationStatus::NotDetermined: {
                 using namespace platform::notification_options;
-                center->requestAuthorization(alert | sound | badge,
-                                             [answer](bool granted, const std::optional<std::string>&) { answer(granted); });
+                center->requestAuthorization(
+                    alert | sound | badge,
+                    [answer](bool granted, const std::optional<std::string>&) { answer(granted); });
                 break;
             }
             case AuthorizationStatus::Denied:

@@ -11,7 +11,7 @@ namespace ovix {
 /// There are no getters: readers ask the store for the key directly and treat a missing value as the
 /// empty string (`readString`). Safe from any thread (the store is); adds no locking of its own.
 class SessionManager {
-public:
+  public:
     static SessionManager& shared();
 
     const std::string tokenKey = "ovix_token";
@@ -29,7 +29,7 @@ public:
     /// string.
     static std::string readString(std::string_view key);
 
-private:
+  private:
     SessionManager() = default;
 };
 

@@ -11,7 +11,9 @@ namespace ovix {
 Value::Value(Array a) : data_(std::make_shared<Array>(std::move(a))) {}
 Value::Value(Dictionary d) : data_(std::make_shared<Dictionary>(std::move(d))) {}
 
-Value::Value(const Value& other) { *this = other; }
+Value::Value(const Value& other) {
+    *this = other;
+}
 
 Value& Value::operator=(const Value& other) {
     if (this == &other) {
@@ -27,7 +29,9 @@ Value& Value::operator=(const Value& other) {
     return *this;
 }
 
-Value::Kind Value::kind() const { return static_cast<Kind>(data_.index()); }
+Value::Kind Value::kind() const {
+    return static_cast<Kind>(data_.index());
+}
 
 std::optional<bool> Value::asBool() const {
     if (auto* v = std::get_if<bool>(&data_)) {
@@ -64,7 +68,9 @@ std::optional<Date> Value::asDate() const {
     return std::nullopt;
 }
 
-const std::string* Value::asString() const { return std::get_if<std::string>(&data_); }
+const std::string* Value::asString() const {
+    return std::get_if<std::string>(&data_);
+}
 
 const Array* Value::asArray() const {
     auto* p = std::get_if<std::shared_ptr<Array>>(&data_);
@@ -208,6 +214,8 @@ bool operator==(const Value& a, const Value& b) {
     }
 }
 
-std::ostream& operator<<(std::ostream& out, const Value& value) { return out << value.toJson(); }
+std::ostream& operator<<(std::ostream& out, const Value& value) {
+    return out << value.toJson();
+}
 
 }  // namespace ovix

@@ -16,7 +16,7 @@ struct Answer {
 };
 
 class Permission : public ::testing::TestWithParam<bool /*background centre*/> {
-protected:
+  protected:
     void SetUp() override {
         headless.install();
         headless.notificationCenter->setDeliverOnBackgroundThread(GetParam());

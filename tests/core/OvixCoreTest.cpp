@@ -14,7 +14,7 @@ using ovix::OvixEvents;
 using ovix::test::RecordingListener;
 
 class Core : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override { headless.install(); }
     void TearDown() override { core.setListener(nullptr); }
     ovix::testing::HeadlessPlatform headless = ovix::testing::HeadlessPlatform::create();

@@ -11,7 +11,7 @@ namespace ovix::test {
 
 /// Remembers every event it receives, with its payload and thread. Safe from any thread.
 class RecordingListener : public OvixSdkListener {
-public:
+  public:
     struct Received {
         std::string event;
         Value data;
@@ -36,7 +36,7 @@ public:
         return out;
     }
 
-private:
+  private:
     mutable std::mutex mutex_;
     std::vector<Received> received_;
 };

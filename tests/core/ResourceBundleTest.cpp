@@ -9,10 +9,11 @@ namespace {
 namespace fs = std::filesystem;
 
 class ResourceLookup : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
-        root = fs::temp_directory_path() / ("ovix-bundle-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
-                                            "-" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        root = fs::temp_directory_path() /
+               ("ovix-bundle-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "-" +
+                ::testing::UnitTest::GetInstance()->current_test_info()->name());
         fs::remove_all(root);
         fs::create_directories(root / "code");
         fs::create_directories(root / "host");
@@ -36,7 +37,8 @@ TEST_F(ResourceLookup, UsesTheResourcesBundleInsideTheCodeBundle) {
     touch(root / "code" / "OvixSdkResources.bundle" / "ic_sdk_float.png");
     auto bundle = sdkBundle();
     EXPECT_EQ(bundle.directory(), root / "code" / "OvixSdkResources.bundle");
-    EXPECT_EQ(bundle.imagePath("ic_sdk_float"), root / "code" / "OvixSdkResources.bundle" / "ic_sdk_float.png");
+    EXPECT_EQ(bundle.imagePath("ic_sdk_float"),
+              root / "code" / "OvixSdkResources.bundle" / "ic_sdk_float.png");
     EXPECT_FALSE(bundle.imagePath("user")) << "an absent image is nothing, not an error";
 }
 
@@ -52,7 +54,8 @@ TEST_F(ResourceLookup, FallsBackToTheCodeBundleWhenMissingOrNotABundle) {
 TEST_F(ResourceLookup, FilesByNameAndType) {
     touch(root / "host" / "GoogleService-Info.plist");
     ovix::platform::Bundle host(root / "host");
-    EXPECT_EQ(host.pathForResource("GoogleService-Info", "plist"), root / "host" / "GoogleService-Info.plist");
+    EXPECT_EQ(host.pathForResource("GoogleService-Info", "plist"),
+              root / "host" / "GoogleService-Info.plist");
     EXPECT_FALSE(host.pathForResource("GoogleService-Info", "json"));
     EXPECT_FALSE(host.pathForResource("", "plist"));
     EXPECT_FALSE(ovix::platform::Bundle::open(root / "nowhere"));

@@ -7,7 +7,7 @@
 namespace {
 
 class Session : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override { headless.install(); }
     ovix::testing::HeadlessPlatform headless = ovix::testing::HeadlessPlatform::create();
     ovix::SessionManager& session = ovix::SessionManager::shared();

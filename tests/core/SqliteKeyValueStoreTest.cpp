@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 using ovix::platform::SqliteKeyValueStore;
 
 class SqliteStore : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         dir = fs::temp_directory_path() / ("ovix-kv-" + std::to_string(::getpid()) + "-" +
                                            ::testing::UnitTest::GetInstance()->current_test_info()->name());
@@ -59,7 +59,7 @@ TEST_F(SqliteStore, FilesAreOwnerOnly) {
         SqliteKeyValueStore store(file);
         store.setString("k", "v");
         for (const auto& entry : fs::directory_iterator(dir)) {
-            struct stat st{};
+            struct stat st {};
             ASSERT_EQ(::stat(entry.path().c_str(), &st), 0);
             EXPECT_EQ(st.st_mode & 0777, 0600u) << entry.path();
         }
@@ -86,7 +86,8 @@ TEST_F(SqliteStore, SafeFromSeveralThreads) {
     }
     for (int t = 0; t < 4; ++t) {
         for (int k = 0; k < 20; ++k) {
-            EXPECT_EQ(store.string("t" + std::to_string(t) + "-" + std::to_string(k)), std::to_string(180 + k));
+            EXPECT_EQ(store.string("t" + std::to_string(t) + "-" + std::to_string(k)),
+                      std::to_string(180 + k));
         }
     }
     EXPECT_TRUE(store.integer("shared"));

@@ -37,7 +37,8 @@ TEST(Value, JsonNumbersKeepTheirKinds) {
 }
 
 TEST(Value, JsonRoundTripPreservesStructureAndEscapes) {
-    Dictionary inner{{"quote", Value("a\"b\\c\n\r'")}, {"list", Value(Array{Value(1u), Value(-1), Value(nullptr), Value(false)})}};
+    Dictionary inner{{"quote", Value("a\"b\\c\n\r'")},
+                     {"list", Value(Array{Value(1u), Value(-1), Value(nullptr), Value(false)})}};
     Value original(Dictionary{{"inner", Value(inner)}, {"name", Value("Ovix ✅")}});
     auto text = original.toJson();
     EXPECT_EQ(Value(Dictionary{{"a", Value(1)}, {"b", Value(Array{Value(2), Value("x y")})}}).toJson(),

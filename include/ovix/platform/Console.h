@@ -9,7 +9,7 @@ namespace ovix::platform {
 /// Threading: any thread. Each call writes one whole line followed by a newline; lines from
 /// different threads never interleave. `line` must not contain the trailing newline.
 class Console {
-public:
+  public:
     virtual ~Console() = default;
     virtual void printLine(std::string_view line) = 0;
 };

@@ -8,7 +8,7 @@ namespace ovix::platform {
 /// Digests and identifiers the SDK needs from the system's cryptography.
 /// Threading: any thread; calls are independent.
 class Crypto {
-public:
+  public:
     virtual ~Crypto() = default;
     /// SHA-256 of `data` as 64 lower-case hexadecimal digits.
     virtual std::string sha256Hex(std::string_view data) const = 0;

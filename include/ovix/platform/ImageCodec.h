@@ -19,7 +19,7 @@ struct RgbaImage {
 /// Image decoding and JPEG encoding.
 /// Threading: any thread; calls are independent.
 class ImageCodec {
-public:
+  public:
     virtual ~ImageCodec() = default;
     /// nullopt for bytes that are not a supported image.
     virtual std::optional<RgbaImage> decode(std::string_view bytes) const = 0;

@@ -12,7 +12,7 @@ namespace ovix::platform {
 /// picked images in selection order (empty when the player cancelled). A platform without a picker
 /// completes with an empty list and prints that picking is unsupported.
 class ImagePicker {
-public:
+  public:
     virtual ~ImagePicker() = default;
     virtual void pickImages(int selectionLimit, std::function<void(std::vector<RgbaImage>)> completion) = 0;
 };

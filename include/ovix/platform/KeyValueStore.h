@@ -14,7 +14,7 @@ namespace ovix::platform {
 /// Threading: safe from any thread. Writes are fire-and-forget: a failing write is not reported to
 /// the caller (implementations print a diagnostic line).
 class KeyValueStore {
-public:
+  public:
     virtual ~KeyValueStore() = default;
     virtual std::optional<std::string> string(std::string_view key) const = 0;
     virtual std::optional<std::int64_t> integer(std::string_view key) const = 0;

@@ -11,7 +11,7 @@ namespace ovix::platform {
 /// `now` is the queue's clock in seconds (virtual in the headless platform); animations and delays
 /// are measured on it.
 class MainQueue {
-public:
+  public:
     virtual ~MainQueue() = default;
     virtual void async(std::function<void()> work) = 0;
     virtual void asyncAfter(double seconds, std::function<void()> work) = 0;

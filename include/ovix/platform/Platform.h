@@ -49,7 +49,7 @@ struct Platform {
     /// itself when that is missing or cannot be opened. Computed once per platform, on first use.
     const Bundle& sdkBundle() const;
 
-private:
+  private:
     mutable std::once_flag sdkBundleOnce_;
     mutable std::optional<Bundle> sdkBundle_;
 };

@@ -8,7 +8,7 @@ namespace ovix::platform {
 
 /// A directory of resources: files found by name and type, images by name.
 class Bundle {
-public:
+  public:
     explicit Bundle(std::filesystem::path directory) : directory_(std::move(directory)) {}
 
     /// The bundle at `directory`, or nullopt when it is not a readable directory.
@@ -20,14 +20,14 @@ public:
     /// An image by name: `<name>.png`, then `<name>@2x.png`, `<name>@3x.png`, `<name>.jpg`.
     std::optional<std::filesystem::path> imagePath(std::string_view name) const;
 
-private:
+  private:
     std::filesystem::path directory_;
 };
 
 /// Where the host application's and the SDK's own resources live.
 /// Threading: any thread.
 class ResourceBundle {
-public:
+  public:
     virtual ~ResourceBundle() = default;
     /// The host application's own resources (looked at first for the push options file).
     virtual Bundle mainBundle() const = 0;

@@ -11,7 +11,7 @@ namespace ovix::testing {
 
 /// Keeps every console line, whole, for assertions. Safe from any thread.
 class CapturingConsole : public platform::Console {
-public:
+  public:
     /// With `echo`, lines also go to standard output.
     explicit CapturingConsole(bool echo = false) : echo_(echo) {}
 
@@ -24,7 +24,7 @@ public:
     std::size_t count(std::string_view line) const;
     void clear();
 
-private:
+  private:
     bool echo_;
     mutable std::mutex mutex_;
     std::vector<std::string> lines_;

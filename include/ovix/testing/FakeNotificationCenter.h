@@ -15,7 +15,7 @@ namespace ovix::testing {
 /// assume asynchrony), or on a fresh background thread with `setDeliverOnBackgroundThread(true)`.
 /// A granted request moves the status to authorised, a refused one to denied.
 class FakeNotificationCenter : public platform::NotificationCenter {
-public:
+  public:
     void getAuthorizationStatus(std::function<void(platform::AuthorizationStatus)> completion) override;
     void requestAuthorization(unsigned options,
                               std::function<void(bool, std::optional<std::string>)> completion) override;
@@ -36,7 +36,7 @@ public:
     /// Simulates a tap; returns whether the delegate completed.
     bool tap(const Dictionary& userInfo);
 
-private:
+  private:
     void deliver(std::function<void()> work);
 
     mutable std::mutex mutex_;

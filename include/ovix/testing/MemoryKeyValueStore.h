@@ -14,7 +14,7 @@ namespace ovix::testing {
 /// An in-memory key-value store with the real store's semantics (absent is not empty, one kind per
 /// key). Safe from any thread. Values live as long as the object.
 class MemoryKeyValueStore : public platform::KeyValueStore {
-public:
+  public:
     std::optional<std::string> string(std::string_view key) const override;
     std::optional<std::int64_t> integer(std::string_view key) const override;
     void setString(std::string_view key, std::string_view value) override;
@@ -25,7 +25,7 @@ public:
     /// Every write and removal in order, as "set <key>" / "remove <key>", for tests of write order.
     std::vector<std::string> journal() const;
 
-private:
+  private:
     mutable std::mutex mutex_;
     std::map<std::string, std::variant<std::string, std::int64_t>, std::less<>> values_;
     std::vector<std::string> journal_;

@@ -19,7 +19,7 @@ namespace ovix::testing {
 /// runs until the test drives the queue from the main thread (the thread that created the queue) with
 /// `runUntilIdle`, `advance` or `runUntil`. Work may be posted from any thread.
 class VirtualMainQueue : public platform::MainQueue {
-public:
+  public:
     VirtualMainQueue();
 
     void async(std::function<void()> work) override;
@@ -42,7 +42,7 @@ public:
     /// Makes the calling thread the main thread (for tests that drive the queue from another thread).
     void adoptCurrentThread();
 
-private:
+  private:
     bool runOneDue();
 
     mutable std::mutex mutex_;

@@ -20,7 +20,9 @@ std::vector<std::string> CapturingConsole::lines() const {
     return lines_;
 }
 
-bool CapturingConsole::hasLine(std::string_view line) const { return count(line) > 0; }
+bool CapturingConsole::hasLine(std::string_view line) const {
+    return count(line) > 0;
+}
 
 std::size_t CapturingConsole::count(std::string_view line) const {
     std::lock_guard lock(mutex_);

@@ -28,8 +28,8 @@ void FakeNotificationCenter::getAuthorizationStatus(std::function<void(Authoriza
     deliver([completion = std::move(completion), status] { completion(status); });
 }
 
-void FakeNotificationCenter::requestAuthorization(unsigned options,
-                                                  std::function<void(bool, std::optional<std::string>)> completion) {
+void FakeNotificationCenter::requestAuthorization(
+    unsigned options, std::function<void(bool, std::optional<std::string>)> completion) {
     bool granted;
     std::optional<std::string> error;
     {

@@ -43,6 +43,8 @@ HeadlessPlatform HeadlessPlatform::create(Options options) {
     return h;
 }
 
-void HeadlessPlatform::install() const { platform::install(platform); }
+void HeadlessPlatform::install() const {
+    platform::install(platform);
+}
 
 }  // namespace ovix::testing

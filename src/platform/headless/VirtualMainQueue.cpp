@@ -6,7 +6,9 @@ namespace ovix::testing {
 
 VirtualMainQueue::VirtualMainQueue() : mainThread_(std::this_thread::get_id()) {}
 
-void VirtualMainQueue::async(std::function<void()> work) { asyncAfter(0, std::move(work)); }
+void VirtualMainQueue::async(std::function<void()> work) {
+    asyncAfter(0, std::move(work));
+}
 
 void VirtualMainQueue::asyncAfter(double seconds, std::function<void()> work) {
     {

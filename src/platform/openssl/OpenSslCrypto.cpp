@@ -25,8 +25,8 @@ std::string OpenSslCrypto::sha256Hex(std::string_view data) const {
 std::string OpenSslCrypto::hmacSha256(std::string_view key, std::string_view data) const {
     std::array<unsigned char, EVP_MAX_MD_SIZE> mac{};
     unsigned int length = 0;
-    HMAC(EVP_sha256(), key.data(), static_cast<int>(key.size()), reinterpret_cast<const unsigned char*>(data.data()),
-         data.size(), mac.data(), &length);
+    HMAC(EVP_sha256(), key.data(), static_cast<int>(key.size()),
+         reinterpret_cast<const unsigned char*>(data.data()), data.size(), mac.data(), &length);
     return std::string(reinterpret_cast<const char*>(mac.data()), length);
 }
 

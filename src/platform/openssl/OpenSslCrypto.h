@@ -6,7 +6,7 @@ namespace ovix::platform {
 
 /// Digests from OpenSSL, UUIDs from libuuid (random, version 4).
 class OpenSslCrypto : public Crypto {
-public:
+  public:
     std::string sha256Hex(std::string_view data) const override;
     std::string hmacSha256(std::string_view key, std::string_view data) const override;
     std::string randomUuid() const override;

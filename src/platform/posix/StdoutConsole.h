@@ -8,10 +8,10 @@ namespace ovix::platform {
 
 /// Diagnostic lines on standard output, one whole line per call, flushed at once.
 class StdoutConsole : public Console {
-public:
+  public:
     void printLine(std::string_view line) override;
 
-private:
+  private:
     std::mutex mutex_;
 };
 

@@ -21,10 +21,13 @@ ThreadMainQueue::~ThreadMainQueue() {
     }
 }
 
-void ThreadMainQueue::async(std::function<void()> work) { asyncAfter(0, std::move(work)); }
+void ThreadMainQueue::async(std::function<void()> work) {
+    asyncAfter(0, std::move(work));
+}
 
 void ThreadMainQueue::asyncAfter(double seconds, std::function<void()> work) {
-    auto delay = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(std::max(0.0, seconds)));
+    auto delay =
+        std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(std::max(0.0, seconds)));
     {
         std::lock_guard lock(mutex_);
         items_.emplace(std::make_pair(Clock::now() + delay, sequence_++), std::move(work));
@@ -32,9 +35,13 @@ void ThreadMainQueue::asyncAfter(double seconds, std::function<void()> work) {
     wake_.notify_all();
 }
 
-bool ThreadMainQueue::isMainThread() const { return std::this_thread::get_id() == thread_.get_id(); }
+bool ThreadMainQueue::isMainThread() const {
+    return std::this_thread::get_id() == thread_.get_id();
+}
 
-double ThreadMainQueue::now() const { return std::chrono::duration<double>(Clock::now() - start_).count(); }
+double ThreadMainQueue::now() const {
+    return std::chrono::duration<double>(Clock::now() - start_).count();
+}
 
 void ThreadMainQueue::loop() {
     std::unique_lock lock(mutex_);

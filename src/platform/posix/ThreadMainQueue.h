@@ -15,7 +15,7 @@ namespace ovix::platform {
 /// thread and runs posted work in due order. Destroying the queue drops work not yet due and joins
 /// the thread (never from the queue's own thread).
 class ThreadMainQueue : public MainQueue {
-public:
+  public:
     ThreadMainQueue();
     ~ThreadMainQueue() override;
 
@@ -24,7 +24,7 @@ public:
     bool isMainThread() const override;
     double now() const override;
 
-private:
+  private:
     using Clock = std::chrono::steady_clock;
     void loop();
 

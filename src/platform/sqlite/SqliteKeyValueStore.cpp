@@ -30,7 +30,8 @@ bool createPrivateFile(const fs::path& file) {
 
 // An empty string_view may carry a null pointer, which SQLite would bind as NULL, not as "".
 void bindText(sqlite3_stmt* stmt, int index, std::string_view text) {
-    sqlite3_bind_text(stmt, index, text.empty() ? "" : text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
+    sqlite3_bind_text(stmt, index, text.empty() ? "" : text.data(), static_cast<int>(text.size()),
+                      SQLITE_TRANSIENT);
 }
 
 }  // namespace
@@ -80,7 +81,8 @@ SqliteKeyValueStore::SqliteKeyValueStore(fs::path file, std::shared_ptr<Console>
         return;
     }
     select_ = prepare("SELECT value FROM kv WHERE key = ?1");
-    upsert_ = prepare("INSERT INTO kv (key, value) VALUES (?1, ?2) ON CONFLICT(key) DO UPDATE SET value = ?2");
+    upsert_ =
+        prepare("INSERT INTO kv (key, value) VALUES (?1, ?2) ON CONFLICT(key) DO UPDATE SET value = ?2");
     delete_ = prepare("DELETE FROM kv WHERE key = ?1");
     if (!select_ || !upsert_ || !delete_) {
         fail(sqlite3_errmsg(db_));

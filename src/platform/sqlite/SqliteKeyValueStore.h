@@ -19,7 +19,7 @@ namespace ovix::platform {
 /// mode 0600. One connection, serialised by a mutex: safe from any thread. A store that cannot open
 /// its file prints one line and then reads as empty and drops writes (they are fire-and-forget).
 class SqliteKeyValueStore : public KeyValueStore {
-public:
+  public:
     /// `console` receives the failure lines; may be null.
     explicit SqliteKeyValueStore(std::filesystem::path file, std::shared_ptr<Console> console = nullptr);
     ~SqliteKeyValueStore() override;
@@ -37,7 +37,7 @@ public:
 
     bool isOpen() const { return db_ != nullptr; }
 
-private:
+  private:
     void fail(std::string_view what) const;
     sqlite3_stmt* prepare(const char* sql);
 

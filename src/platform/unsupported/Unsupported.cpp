@@ -13,6 +13,8 @@ void report(std::string_view service) {
     }
 }
 
-void later(std::function<void()> work) { std::thread(std::move(work)).detach(); }
+void later(std::function<void()> work) {
+    std::thread(std::move(work)).detach();
+}
 
 }  // namespace ovix::platform::unsupported

@@ -6,7 +6,7 @@ namespace ovix::platform {
 
 /// A process with no windowing: no scenes, no windows, URLs cannot be opened.
 class UnsupportedApplication : public Application {
-public:
+  public:
     std::vector<std::shared_ptr<kit::WindowScene>> connectedScenes() const override { return {}; }
     std::vector<std::shared_ptr<kit::Window>> windows() const override { return {}; }
     bool open(const std::string&) override {

@@ -6,7 +6,7 @@ namespace ovix::platform {
 
 /// Image coding on a platform without codecs: nothing decodes, nothing encodes.
 class UnsupportedImageCodec : public ImageCodec {
-public:
+  public:
     std::optional<RgbaImage> decode(std::string_view) const override {
         unsupported::report("Image decoding");
         return std::nullopt;

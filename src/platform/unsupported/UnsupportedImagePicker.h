@@ -6,7 +6,7 @@ namespace ovix::platform {
 
 /// Image picking on a platform without a picker: completes with no images.
 class UnsupportedImagePicker : public ImagePicker {
-public:
+  public:
     void pickImages(int, std::function<void(std::vector<RgbaImage>)> completion) override {
         unsupported::report("Image picking");
         unsupported::later([completion = std::move(completion)] { completion({}); });

@@ -6,7 +6,7 @@ namespace ovix::platform {
 
 /// Push messaging on a platform without a push service: never configured, every subscription fails.
 class UnsupportedPushClient : public PushClient {
-public:
+  public:
     bool hasDefaultApp() const override { return false; }
     bool configure(const std::filesystem::path&) override {
         unsupported::report("Push messaging");
@@ -14,7 +14,8 @@ public:
     }
     void setDelegate(std::weak_ptr<PushClientDelegate>) override {}
     void subscribe(const std::string&, std::function<void(std::optional<std::string>)> completion) override {
-        unsupported::later([completion = std::move(completion)] { completion(unsupported::message("Push messaging")); });
+        unsupported::later(
+            [completion = std::move(completion)] { completion(unsupported::message("Push messaging")); });
     }
 };
 

@@ -7,7 +7,7 @@ namespace ovix::platform {
 /// A platform without a store: every call fails with an "unsupported" error, the entitlement
 /// sequence is empty.
 class UnsupportedStore : public Store {
-public:
+  public:
     void products(const std::vector<std::string>&, std::function<void(ProductsResult)> completion) override {
         unsupported::later([completion = std::move(completion)] { completion(error()); });
     }
@@ -27,7 +27,7 @@ public:
         unsupported::later(std::move(completion));
     }
 
-private:
+  private:
     static StoreError error() {
         auto text = unsupported::message("The store");
         return StoreError{text, text};
