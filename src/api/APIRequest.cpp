@@ -1,6 +1,7 @@
 #include "api/APIRequest.h"
 
 #include "core/SessionManager.h"
+#include "core/UrlSyntax.h"
 #include "ovix/OvixCore.h"
 #include "ovix/platform/Platform.h"
 
@@ -11,24 +12,6 @@ namespace {
 using platform::HttpRequest;
 
 constexpr std::string_view kCrlf = "\r\n";
-
-bool isAlpha(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-bool isHex(char c) {
-    return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
-
-// Unreserved, sub-delims and the gen-delims other than brackets.
-bool isUrlChar(char c) {
-    if (isAlpha(c) || isDigit(c)) {
-        return true;
-    }
-    return std::string_view("-._~!$&'()*+,;=:/?#@").find(c) != std::string_view::npos;
-}
 
 std::string clientId() {
     return SessionManager::readString(SessionManager::shared().clientIdKey);
@@ -51,14 +34,9 @@ void addClientId(HttpRequest& request, const std::string& id) {
 }  // namespace
 
 bool APIRequest::isValidUrl(std::string_view text) {
-    const auto colon = text.find(':');
-    if (colon == std::string_view::npos || colon == 0 || !isAlpha(text[0])) {
+    const auto colon = UrlSyntax::schemeEnd(text);
+    if (colon == std::string_view::npos) {
         return false;
-    }
-    for (char c : text.substr(0, colon)) {
-        if (!isAlpha(c) && !isDigit(c) && c != '+' && c != '-' && c != '.') {
-            return false;
-        }
     }
     if (text.substr(colon + 1, 2) != "//") {
         return false;
@@ -74,7 +52,7 @@ bool APIRequest::isValidUrl(std::string_view text) {
     for (std::size_t i = authorityStart; i < text.size(); ++i) {
         const char c = text[i];
         if (c == '%') {
-            if (i + 2 >= text.size() || !isHex(text[i + 1]) || !isHex(text[i + 2])) {
+            if (!UrlSyntax::isEscapeAt(text, i)) {
                 return false;
             }
             i += 2;
@@ -88,7 +66,7 @@ bool APIRequest::isValidUrl(std::string_view text) {
                 return false;
             }
             inFragment = true;
-        } else if (!isUrlChar(c)) {
+        } else if (!UrlSyntax::isUriCharacter(c)) {
             return false;
         }
     }

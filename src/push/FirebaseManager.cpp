@@ -1,6 +1,7 @@
 #include "push/FirebaseManager.h"
 
 #include "core/SessionManager.h"
+#include "core/UrlSyntax.h"
 #include "ovix/OvixCore.h"
 #include "ovix/platform/Platform.h"
 
@@ -10,21 +11,6 @@ namespace {
 
 constexpr std::string_view kOptionsName = "GoogleService-Info";
 constexpr std::string_view kOptionsType = "plist";
-
-bool isAsciiAlpha(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-bool isAsciiDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-bool isHexDigit(char c) {
-    return isAsciiDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
-
-bool isUriCharacter(char c) {
-    static constexpr std::string_view kPunctuation = "-._~:/?#[]@!$&'()*+,;=";
-    return isAsciiAlpha(c) || isAsciiDigit(c) || kPunctuation.find(c) != std::string_view::npos;
-}
 
 // The user-information value under `key` when it is text; anything else counts as absent.
 std::string textOrEmpty(const Dictionary& userInfo, std::string_view key) {
@@ -144,22 +130,17 @@ void FirebaseManager::handleNotificationData(const Dictionary& userInfo) {
 }
 
 bool FirebaseManager::isValidUrl(std::string_view text) {
-    const auto colon = text.find(':');
-    if (colon == std::string_view::npos || colon == 0 || colon + 1 == text.size() || !isAsciiAlpha(text[0])) {
+    const auto colon = UrlSyntax::schemeEnd(text);
+    if (colon == std::string_view::npos || colon + 1 == text.size()) {
         return false;
-    }
-    for (char c : text.substr(1, colon - 1)) {
-        if (!isAsciiAlpha(c) && !isAsciiDigit(c) && c != '+' && c != '-' && c != '.') {
-            return false;
-        }
     }
     for (std::size_t i = colon + 1; i < text.size(); ++i) {
         if (text[i] == '%') {
-            if (i + 2 >= text.size() || !isHexDigit(text[i + 1]) || !isHexDigit(text[i + 2])) {
+            if (!UrlSyntax::isEscapeAt(text, i)) {
                 return false;
             }
             i += 2;
-        } else if (!isUriCharacter(text[i])) {
+        } else if (!UrlSyntax::isUriCharacter(text[i])) {
             return false;
         }
     }
