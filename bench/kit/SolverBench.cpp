@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "platform/kit/layout/Solver.h"
+#include "kit/layout/Solver.h"
 
 namespace {
 

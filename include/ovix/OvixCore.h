@@ -3,7 +3,6 @@
 #include <functional>
 #include <future>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -88,11 +87,7 @@ class OvixCore {
 
     const std::string urlString_;
     const std::string urlGraph_;
-    const std::string topicFirebase_ = "games-dev";
-
-    // Guards only the weak reference itself; never held while calling out.
-    mutable std::mutex listenerMutex_;
-    std::weak_ptr<OvixSdkListener> listener_;
+    const std::string topicFirebase_;
 };
 
 }  // namespace ovix

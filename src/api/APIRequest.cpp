@@ -1,8 +1,8 @@
 #include "api/APIRequest.h"
 
+#include "core/Endpoints.h"
 #include "core/SessionManager.h"
 #include "core/UrlSyntax.h"
-#include "ovix/OvixCore.h"
 #include "ovix/platform/Platform.h"
 
 namespace ovix {
@@ -78,7 +78,7 @@ std::optional<HttpRequest> APIRequest::userInfo() {
     if (token.empty()) {
         return std::nullopt;
     }
-    auto url = OvixCore::shared().urlString() +
+    auto url = Endpoints::shared().urlString +
                "/auth-connect/api/v2.0/oauth2/auth/userinfo?fields=" + std::string(userInfoFields);
     if (!isValidUrl(url)) {
         return std::nullopt;
@@ -90,8 +90,7 @@ std::optional<HttpRequest> APIRequest::userInfo() {
 }
 
 std::optional<HttpRequest> APIRequest::newsFeed() {
-    auto url = OvixCore::shared().urlGraph() +
-               "/game/online/api/v2.0/client/all-news?clientId=" + clientId() +
+    auto url = Endpoints::shared().urlGraph + "/game/online/api/v2.0/client/all-news?clientId=" + clientId() +
                "&isNews=1&isEvent=0&isTutorial=0&pageSize=100&pageIndex=1";
     if (!isValidUrl(url)) {
         return std::nullopt;
@@ -102,7 +101,7 @@ std::optional<HttpRequest> APIRequest::newsFeed() {
 }
 
 std::optional<HttpRequest> APIRequest::eligibility(std::string_view productId) {
-    auto url = OvixCore::shared().urlString() + "/billing/check?productId=" + std::string(productId);
+    auto url = Endpoints::shared().urlString + "/billing/check?productId=" + std::string(productId);
     if (!isValidUrl(url)) {
         return std::nullopt;
     }
@@ -132,7 +131,7 @@ std::optional<HttpRequest> APIRequest::imageUpload(const platform::RgbaImage& pi
     }
     request.body += tail;
 
-    request.url = OvixCore::shared().urlGraph() + "/inside/image/api/v2.0/upload";
+    request.url = Endpoints::shared().urlGraph + "/inside/image/api/v2.0/upload";
     if (!isValidUrl(request.url)) {
         return std::nullopt;
     }

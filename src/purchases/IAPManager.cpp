@@ -3,7 +3,8 @@
 #include <utility>
 #include <variant>
 
-#include "ovix/OvixCore.h"
+#include "core/EventSlot.h"
+#include "ovix/OvixEvents.h"
 
 namespace ovix {
 
@@ -32,7 +33,7 @@ std::vector<platform::StoreProduct> IAPManager::products() const {
 }
 
 void IAPManager::raiseBillingError(const std::string& text) {
-    OvixCore::shared().raise(OvixEvents::BILLING_ERROR, Value(text));
+    EventSlot::shared().raise(OvixEvents::BILLING_ERROR, Value(text));
 }
 
 std::future<void> IAPManager::fetchProducts(std::vector<std::string> productIds) {
@@ -62,7 +63,7 @@ void IAPManager::fetched(const platform::Platform& services, platform::Store::Pr
         std::lock_guard lock(mutex_);
         products_ = std::move(fetched);
     }
-    OvixCore::shared().raise(OvixEvents::BILLING_CONNECTED, Value(std::move(payload)));
+    EventSlot::shared().raise(OvixEvents::BILLING_CONNECTED, Value(std::move(payload)));
 }
 
 std::future<void> IAPManager::purchase(std::string productId) {
@@ -159,8 +160,8 @@ void IAPManager::restoreNext(const std::shared_ptr<platform::Platform>& services
 void IAPManager::handleVerifiedTransaction(const std::shared_ptr<platform::Platform>& services,
                                            const platform::StoreTransaction& transaction, bool isRestore,
                                            std::function<void()> then) {
-    OvixCore::shared().raise(isRestore ? OvixEvents::PURCHASES_RESTORED : OvixEvents::PURCHASE_UPDATED,
-                             transactionPayload(transaction));
+    EventSlot::shared().raise(isRestore ? OvixEvents::PURCHASES_RESTORED : OvixEvents::PURCHASE_UPDATED,
+                              transactionPayload(transaction));
     // Only after the listener had it: a crash in between means the store offers it again.
     services->store->finish(transaction, std::move(then));
 }

@@ -3,6 +3,7 @@
 #include "ovix/kit/AlertController.h"
 #include "ovix/kit/Window.h"
 #include "ovix/kit/WindowScene.h"
+#include "ovix/kit/host/Application.h"
 #include "ovix/platform/Platform.h"
 
 namespace ovix {

@@ -1,8 +1,9 @@
 #include "push/FirebaseManager.h"
 
+#include "core/Endpoints.h"
 #include "core/SessionManager.h"
 #include "core/UrlSyntax.h"
-#include "ovix/OvixCore.h"
+#include "ovix/kit/host/Application.h"
 #include "ovix/platform/Platform.h"
 
 namespace ovix {
@@ -87,7 +88,7 @@ void FirebaseManager::didReceiveRegistrationToken(const std::optional<std::strin
 }
 
 std::string FirebaseManager::topicName() {
-    return OvixCore::shared().topicFirebase() + "-" +
+    return Endpoints::shared().topicFirebase + "-" +
            SessionManager::readString(SessionManager::shared().clientIdKey);
 }
 

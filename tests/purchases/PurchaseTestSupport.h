@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "core/RecordingListener.h"
 #include "ovix/OvixCore.h"
 #include "ovix/testing/HeadlessPlatform.h"
 #include "purchases/IAPManager.h"
+#include "support/RecordingListener.h"
 
 namespace ovix::test {
 

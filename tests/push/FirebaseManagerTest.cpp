@@ -4,11 +4,11 @@
 #include <thread>
 
 #include "core/SessionManager.h"
-#include "device/ScratchDirectory.h"
 #include "ovix/OvixCore.h"
 #include "ovix/testing/HeadlessPlatform.h"
 #include "push/FirebaseManager.h"
 #include "push/RecordingApplication.h"
+#include "support/ScratchDirectory.h"
 
 namespace {
 

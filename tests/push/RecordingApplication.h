@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "ovix/platform/Application.h"
+#include "ovix/kit/host/Application.h"
 #include "ovix/platform/MainQueue.h"
 
 namespace ovix::test {
@@ -12,7 +12,7 @@ namespace ovix::test {
 /// An application without windows that records, in order, the URLs it opens ("open <url>") and its
 /// registrations for remote notifications ("register"); a call off the main thread is prefixed
 /// "off-main ".
-class RecordingApplication : public platform::Application {
+class RecordingApplication : public kit::host::Application {
   public:
     // Held weakly: work pending on the queue may hold this application.
     explicit RecordingApplication(std::weak_ptr<platform::MainQueue> queue) : queue_(std::move(queue)) {}

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "ovix/platform/Application.h"
+#include "ovix/kit/host/Application.h"
 
 namespace ovix::kit {
 
@@ -12,7 +12,7 @@ class Window;
 class Application {
   public:
     /// The installed platform's application service.
-    static platform::Application& shared();
+    static kit::host::Application& shared();
     /// The key window: the connected scenes' windows in order (scene order, then each scene's
     /// window order), first one that is key; null when none is.
     static std::shared_ptr<Window> keyWindow();

@@ -4,7 +4,6 @@
 #include <mutex>
 #include <optional>
 
-#include "ovix/platform/Application.h"
 #include "ovix/platform/Console.h"
 #include "ovix/platform/Crypto.h"
 #include "ovix/platform/DeviceFacts.h"
@@ -19,7 +18,13 @@
 #include "ovix/platform/ResourceBundle.h"
 #include "ovix/platform/Store.h"
 #include "ovix/platform/TimeZone.h"
-#include "ovix/platform/WebEngine.h"
+
+// What a host supplies to the view kit is declared by the kit (ovix/kit/host/); the platform only
+// carries it, so the platform headers never include a kit header.
+namespace ovix::kit::host {
+class Application;
+class WebEngine;
+}  // namespace ovix::kit::host
 
 namespace ovix::platform {
 
@@ -37,10 +42,10 @@ struct Platform {
     std::shared_ptr<PushClient> pushClient;
     std::shared_ptr<Store> store;
     std::shared_ptr<DeviceFacts> deviceFacts;
-    std::shared_ptr<WebEngine> webEngine;
+    std::shared_ptr<kit::host::WebEngine> webEngine;
     std::shared_ptr<ImagePicker> imagePicker;
     std::shared_ptr<ImageCodec> imageCodec;
-    std::shared_ptr<Application> application;
+    std::shared_ptr<kit::host::Application> application;
     std::shared_ptr<ResourceBundle> resources;
     std::shared_ptr<Crypto> crypto;
     std::shared_ptr<TimeZone> timeZone;

@@ -6,7 +6,7 @@
 
 #include "ovix/kit/Geometry.h"
 #include "ovix/kit/Screen.h"
-#include "ovix/platform/Application.h"
+#include "ovix/kit/host/Application.h"
 
 namespace ovix::testing {
 
@@ -15,7 +15,7 @@ namespace ovix::testing {
 ///
 /// The scene and its windows are made on first use (after the platform is installed), the first
 /// window key and visible, as a game's window is. Main thread only.
-class HeadlessApplication : public platform::Application {
+class HeadlessApplication : public kit::host::Application {
   public:
     struct Options {
         /// The screen in portrait, in points.

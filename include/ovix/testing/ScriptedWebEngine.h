@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "ovix/platform/WebEngine.h"
+#include "ovix/kit/host/WebEngine.h"
 #include "ovix/testing/ScriptedWebView.h"
 #include "ovix/testing/ScriptedWebsiteDataStore.h"
 
@@ -12,11 +12,11 @@ namespace ovix::testing {
 /// The headless web engine: makes `ScriptedWebView`s, whose pages the test plays, and keeps its
 /// data in a `ScriptedWebsiteDataStore`. Remembers the views it made without keeping them alive.
 /// Main thread only.
-class ScriptedWebEngine : public platform::WebEngine {
+class ScriptedWebEngine : public kit::host::WebEngine {
   public:
-    std::shared_ptr<platform::WebView> makeWebView(kit::Rect frame,
-                                                   platform::WebViewConfiguration configuration) override;
-    std::shared_ptr<platform::WebsiteDataStore> defaultDataStore() override { return dataStore; }
+    std::shared_ptr<kit::host::WebView> makeWebView(kit::Rect frame,
+                                                    kit::host::WebViewConfiguration configuration) override;
+    std::shared_ptr<kit::host::WebsiteDataStore> defaultDataStore() override { return dataStore; }
 
     /// How many web views were made so far.
     std::size_t madeCount() const { return made_.size(); }

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "ovix/kit/host/WebView.h"
 #include "ovix/platform/MainQueue.h"
-#include "ovix/platform/WebView.h"
 
 namespace ovix::testing {
 
@@ -21,15 +21,15 @@ namespace ovix::testing {
 /// list (or moves back in it after `goBack`). The page posts messages with `postMessage`. Scripts are
 /// recorded and answered by the test (`answerScript`, `failScript`) or by a responder; scripts still
 /// unanswered when the view goes complete later as cancelled. Main thread only.
-class ScriptedWebView : public platform::WebView {
+class ScriptedWebView : public kit::host::WebView {
   public:
     using ScriptResponder =
-        std::function<std::pair<Value, std::optional<platform::WebError>>(const std::string& script)>;
+        std::function<std::pair<Value, std::optional<kit::host::WebError>>(const std::string& script)>;
 
-    ScriptedWebView(kit::Rect frame, platform::WebViewConfiguration configuration);
+    ScriptedWebView(kit::Rect frame, kit::host::WebViewConfiguration configuration);
     ~ScriptedWebView() override;
 
-    void load(const platform::URLRequest& request) override;
+    void load(const kit::host::URLRequest& request) override;
     bool canGoBack() const override { return index_ > 0; }
     void goBack() override;
     std::string url() const override;
@@ -37,7 +37,7 @@ class ScriptedWebView : public platform::WebView {
 
     // --- Navigation, played by the test ---
     /// Every request passed to `load`, in order.
-    const std::vector<platform::URLRequest>& loads() const { return loads_; }
+    const std::vector<kit::host::URLRequest>& loads() const { return loads_; }
     int goBackCount() const { return goBackCount_; }
     /// The page moves on by itself (a link or a script): `url` becomes the pending navigation.
     void navigateFromPage(const std::string& url);
@@ -47,7 +47,7 @@ class ScriptedWebView : public platform::WebView {
     /// The pending page replaces the current one (ignored when nothing is pending).
     void commitNavigation();
     void finishNavigation();
-    void failNavigation(platform::WebError error);
+    void failNavigation(kit::host::WebError error);
     /// Start, commit and finish.
     void completeNavigation();
     /// The committed pages, oldest first; `url()` is the entry at the current position.
@@ -64,7 +64,7 @@ class ScriptedWebView : public platform::WebView {
     std::size_t pendingScriptCount() const { return pending_.size(); }
     /// Completes the oldest unanswered script with `result` (at once); false when none waits.
     bool answerScript(Value result = Value());
-    bool failScript(platform::WebError error);
+    bool failScript(kit::host::WebError error);
     /// Later scripts are answered by `responder`, on the main queue; null returns to test answers.
     void setScriptResponder(ScriptResponder responder) { responder_ = std::move(responder); }
 
@@ -76,9 +76,9 @@ class ScriptedWebView : public platform::WebView {
         bool back = false;
     };
 
-    bool complete(Value result, std::optional<platform::WebError> error);
+    bool complete(Value result, std::optional<kit::host::WebError> error);
 
-    std::vector<platform::URLRequest> loads_;
+    std::vector<kit::host::URLRequest> loads_;
     int goBackCount_ = 0;
     std::optional<Pending> navigation_;
     std::vector<std::string> history_;

@@ -4,20 +4,20 @@
 #include <set>
 #include <vector>
 
-#include "ovix/platform/WebsiteDataStore.h"
+#include "ovix/kit/host/WebsiteDataStore.h"
 
 namespace ovix::testing {
 
 /// A website data store that records each removal. Removals complete on the main queue, or, while
 /// the test holds them, when it releases them. Main thread only.
-class ScriptedWebsiteDataStore : public platform::WebsiteDataStore {
+class ScriptedWebsiteDataStore : public kit::host::WebsiteDataStore {
   public:
     struct Removal {
-        std::set<platform::WebsiteDataType> types;
+        std::set<kit::host::WebsiteDataType> types;
         Date modifiedSince;
     };
 
-    void removeData(const std::set<platform::WebsiteDataType>& types, Date modifiedSince,
+    void removeData(const std::set<kit::host::WebsiteDataType>& types, Date modifiedSince,
                     std::function<void()> completion) override;
 
     const std::vector<Removal>& removals() const { return removals_; }

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "ovix/kit/Window.h"
-#include "platform/gtk/KitRenderer.h"
+#include "platform/cairo/KitRenderer.h"
 
 namespace ovix::platform::gtk {
 

@@ -2,8 +2,8 @@
 
 namespace ovix::testing {
 
-std::shared_ptr<platform::WebView> ScriptedWebEngine::makeWebView(
-    kit::Rect frame, platform::WebViewConfiguration configuration) {
+std::shared_ptr<kit::host::WebView> ScriptedWebEngine::makeWebView(
+    kit::Rect frame, kit::host::WebViewConfiguration configuration) {
     auto view = std::make_shared<ScriptedWebView>(frame, std::move(configuration));
     made_.push_back(view);
     return view;

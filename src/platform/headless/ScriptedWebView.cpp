@@ -4,8 +4,8 @@
 
 namespace ovix::testing {
 
-ScriptedWebView::ScriptedWebView(kit::Rect frame, platform::WebViewConfiguration configuration)
-    : platform::WebView(frame, std::move(configuration)), mainQueue_(platform::current()->mainQueue) {}
+ScriptedWebView::ScriptedWebView(kit::Rect frame, kit::host::WebViewConfiguration configuration)
+    : kit::host::WebView(frame, std::move(configuration)), mainQueue_(platform::current()->mainQueue) {}
 
 ScriptedWebView::~ScriptedWebView() {
     // The contract promises every completion once; a view that goes cancels what it still runs. The
@@ -17,12 +17,12 @@ ScriptedWebView::~ScriptedWebView() {
         }
         queue->async([completion = std::move(completion)] {
             completion(Value(),
-                       platform::WebError{platform::WebError::Kind::Cancelled, "The web view went away."});
+                       kit::host::WebError{kit::host::WebError::Kind::Cancelled, "The web view went away."});
         });
     }
 }
 
-void ScriptedWebView::load(const platform::URLRequest& request) {
+void ScriptedWebView::load(const kit::host::URLRequest& request) {
     loads_.push_back(request);
     navigation_ = Pending{request.url, false};
 }
@@ -82,7 +82,7 @@ void ScriptedWebView::finishNavigation() {
     notifyDidFinishNavigation();
 }
 
-void ScriptedWebView::failNavigation(platform::WebError error) {
+void ScriptedWebView::failNavigation(kit::host::WebError error) {
     navigation_.reset();
     notifyDidFailNavigation(error);
 }
@@ -94,18 +94,18 @@ void ScriptedWebView::completeNavigation() {
 }
 
 bool ScriptedWebView::postMessage(const std::string& name, Value body) {
-    return deliverScriptMessage(platform::ScriptMessage{name, std::move(body)});
+    return deliverScriptMessage(kit::host::ScriptMessage{name, std::move(body)});
 }
 
 bool ScriptedWebView::answerScript(Value result) {
     return complete(std::move(result), std::nullopt);
 }
 
-bool ScriptedWebView::failScript(platform::WebError error) {
+bool ScriptedWebView::failScript(kit::host::WebError error) {
     return complete(Value(), std::move(error));
 }
 
-bool ScriptedWebView::complete(Value result, std::optional<platform::WebError> error) {
+bool ScriptedWebView::complete(Value result, std::optional<kit::host::WebError> error) {
     if (pending_.empty()) {
         return false;
     }

@@ -4,7 +4,7 @@
 
 namespace ovix::testing {
 
-void ScriptedWebsiteDataStore::removeData(const std::set<platform::WebsiteDataType>& types,
+void ScriptedWebsiteDataStore::removeData(const std::set<kit::host::WebsiteDataType>& types,
                                           Date modifiedSince, std::function<void()> completion) {
     removals_.push_back({types, modifiedSince});
     if (holding_) {

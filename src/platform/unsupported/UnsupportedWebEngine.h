@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ovix/kit/host/WebEngine.h"
 #include "platform/unsupported/Unsupported.h"
 
 namespace ovix::platform {
@@ -7,13 +8,13 @@ namespace ovix::platform {
 /// Web pages on a platform without a web engine: every load fails and every script errs with
 /// `WebError::Kind::Unsupported`, later on the main queue; removing website data has nothing to
 /// remove and completes later.
-class UnsupportedWebEngine : public WebEngine {
+class UnsupportedWebEngine : public kit::host::WebEngine {
   public:
-    class View : public WebView {
+    class View : public kit::host::WebView {
       public:
-        using WebView::WebView;
+        using kit::host::WebView::WebView;
 
-        void load(const URLRequest&) override {
+        void load(const kit::host::URLRequest&) override {
             unsupported::report("Web pages");
             std::weak_ptr<View> weak = self<View>();
             current()->mainQueue->async([weak] {
@@ -31,20 +32,24 @@ class UnsupportedWebEngine : public WebEngine {
         }
 
       private:
-        static WebError error() { return {WebError::Kind::Unsupported, unsupported::message("Web pages")}; }
+        static kit::host::WebError error() {
+            return {kit::host::WebError::Kind::Unsupported, unsupported::message("Web pages")};
+        }
     };
 
-    class DataStore : public WebsiteDataStore {
+    class DataStore : public kit::host::WebsiteDataStore {
       public:
-        void removeData(const std::set<WebsiteDataType>&, Date, std::function<void()> completion) override {
+        void removeData(const std::set<kit::host::WebsiteDataType>&, Date,
+                        std::function<void()> completion) override {
             current()->mainQueue->async(std::move(completion));
         }
     };
 
-    std::shared_ptr<WebView> makeWebView(kit::Rect frame, WebViewConfiguration configuration) override {
+    std::shared_ptr<kit::host::WebView> makeWebView(kit::Rect frame,
+                                                    kit::host::WebViewConfiguration configuration) override {
         return std::make_shared<View>(frame, std::move(configuration));
     }
-    std::shared_ptr<WebsiteDataStore> defaultDataStore() override { return dataStore_; }
+    std::shared_ptr<kit::host::WebsiteDataStore> defaultDataStore() override { return dataStore_; }
 
   private:
     std::shared_ptr<DataStore> dataStore_ = std::make_shared<DataStore>();

@@ -92,7 +92,7 @@ std::string WebKitGtkPage::userAgent() const {
     return agent ? agent : "";
 }
 
-void WebKitGtkPage::load(const URLRequest& request) {
+void WebKitGtkPage::load(const kit::host::URLRequest& request) {
     cancelLoadTimeout();
     loadingUrl_ = request.url;
     WebKitURIRequest* uriRequest = webkit_uri_request_new(request.url.c_str());
@@ -137,7 +137,9 @@ void WebKitGtkPage::onScriptFinished(GObject* view, GAsyncResult* result, gpoint
     JSCValue* value = webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(view), result, &error);
     if (error != nullptr) {
         const bool cancelled = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED);
-        WebError failure{cancelled ? WebError::Kind::Cancelled : WebError::Kind::JavaScript, error->message};
+        kit::host::WebError failure{
+            cancelled ? kit::host::WebError::Kind::Cancelled : kit::host::WebError::Kind::JavaScript,
+            error->message};
         g_error_free(error);
         if (pending->completion) {
             pending->completion(Value(), failure);
@@ -181,8 +183,8 @@ gboolean WebKitGtkPage::onLoadFailed(WebKitWebView*, WebKitLoadEvent, char* uri,
                                      gpointer self) {
     auto* page = static_cast<WebKitGtkPage*>(self);
     const std::string failing = uri ? uri : "";
-    const WebError failure = errorFrom(error);
-    const bool cancelled = failure.kind == WebError::Kind::Cancelled;
+    const kit::host::WebError failure = errorFrom(error);
+    const bool cancelled = failure.kind == kit::host::WebError::Kind::Cancelled;
     // A load abandoned on its time-out may still end later, however it ends (cancelled when a newer
     // load replaces it, interrupted when its answer finally arrives); its time-out was reported.
     if (!page->timedOutUrl_.empty() && failing == page->timedOutUrl_ && failing != page->loadingUrl_) {
@@ -216,7 +218,8 @@ gboolean WebKitGtkPage::onLoadTimeout(gpointer self) {
     page->stopping_ = true;
     page->timedOutUrl_ = page->loadingUrl_;
     webkit_web_view_stop_loading(page->view_);
-    callIfSet(page->callbacks_.failed, WebError{WebError::Kind::TimedOut, "The request timed out."});
+    callIfSet(page->callbacks_.failed,
+              kit::host::WebError{kit::host::WebError::Kind::TimedOut, "The request timed out."});
     return G_SOURCE_REMOVE;
 }
 
@@ -227,24 +230,24 @@ void WebKitGtkPage::cancelLoadTimeout() {
     }
 }
 
-WebError WebKitGtkPage::errorFrom(const GError* error) {
+kit::host::WebError WebKitGtkPage::errorFrom(const GError* error) {
     const std::string message = error ? error->message : "";
     if (error == nullptr) {
-        return {WebError::Kind::Page, message};
+        return {kit::host::WebError::Kind::Page, message};
     }
     const bool cancelled = g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) ||
                            g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED);
     if (cancelled) {
-        return {WebError::Kind::Cancelled, message};
+        return {kit::host::WebError::Kind::Cancelled, message};
     }
     if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT)) {
-        return {WebError::Kind::TimedOut, message};
+        return {kit::host::WebError::Kind::TimedOut, message};
     }
     if (error->domain == WEBKIT_NETWORK_ERROR || error->domain == G_IO_ERROR ||
         error->domain == G_RESOLVER_ERROR || error->domain == G_TLS_ERROR) {
-        return {WebError::Kind::Network, message};
+        return {kit::host::WebError::Kind::Network, message};
     }
-    return {WebError::Kind::Page, message};
+    return {kit::host::WebError::Kind::Page, message};
 }
 
 }  // namespace ovix::platform::webkitgtk

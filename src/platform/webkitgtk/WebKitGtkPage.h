@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "ovix/Value.h"
-#include "ovix/platform/URLRequest.h"
-#include "ovix/platform/WebError.h"
+#include "ovix/kit/host/URLRequest.h"
+#include "ovix/kit/host/WebError.h"
 
 namespace ovix::platform::webkitgtk {
 
@@ -27,12 +27,13 @@ class WebKitGtkPage {
         std::function<void()> started;
         std::function<void()> committed;
         std::function<void()> finished;
-        std::function<void(const WebError&)> failed;
+        std::function<void(const kit::host::WebError&)> failed;
         /// A page called `window.webkit.messageHandlers.<name>.postMessage(body)`; `body` is the
         /// posted value as JSON sees it (undefined and functions arrive as null).
         std::function<void(const std::string& name, const Value& body)> scriptMessage;
     };
-    using ScriptCompletion = std::function<void(const Value& result, const std::optional<WebError>& error)>;
+    using ScriptCompletion =
+        std::function<void(const Value& result, const std::optional<kit::host::WebError>& error)>;
 
     explicit WebKitGtkPage(Callbacks callbacks);
     ~WebKitGtkPage();
@@ -46,7 +47,7 @@ class WebKitGtkPage {
     std::string userAgent() const;
 
     /// Starts loading; a load still running is cancelled (it reports `failed` with `Cancelled`).
-    void load(const URLRequest& request);
+    void load(const kit::host::URLRequest& request);
     bool canGoBack() const;
     /// Loads the previous back-list entry; nothing when there is none.
     void goBack();
@@ -75,7 +76,7 @@ class WebKitGtkPage {
     static gboolean onLoadTimeout(gpointer self);
     static void onScriptFinished(GObject* view, GAsyncResult* result, gpointer completion);
     void cancelLoadTimeout();
-    static WebError errorFrom(const GError* error);
+    static kit::host::WebError errorFrom(const GError* error);
 
     Callbacks callbacks_;
     WebKitUserContentManager* contentManager_;

@@ -3,14 +3,14 @@
 namespace ovix::platform::webkitgtk {
 
 std::shared_ptr<WebKitGtkWebView> WebKitGtkWebView::create(kit::Rect frame,
-                                                           WebViewConfiguration configuration) {
+                                                           kit::host::WebViewConfiguration configuration) {
     auto view = std::make_shared<WebKitGtkWebView>(frame, std::move(configuration));
     view->attach();
     return view;
 }
 
-WebKitGtkWebView::WebKitGtkWebView(kit::Rect frame, WebViewConfiguration configuration)
-    : WebView(frame, std::move(configuration)) {}
+WebKitGtkWebView::WebKitGtkWebView(kit::Rect frame, kit::host::WebViewConfiguration configuration)
+    : kit::host::WebView(frame, std::move(configuration)) {}
 
 void WebKitGtkWebView::attach() {
     std::weak_ptr<WebKitGtkWebView> weak = self<WebKitGtkWebView>();
@@ -26,14 +26,14 @@ void WebKitGtkWebView::attach() {
     callbacks.started = relay(&WebKitGtkWebView::notifyDidStartProvisionalNavigation);
     callbacks.committed = relay(&WebKitGtkWebView::notifyDidCommitNavigation);
     callbacks.finished = relay(&WebKitGtkWebView::notifyDidFinishNavigation);
-    callbacks.failed = [weak](const WebError& error) {
+    callbacks.failed = [weak](const kit::host::WebError& error) {
         if (auto view = weak.lock()) {
             view->notifyDidFailNavigation(error);
         }
     };
     callbacks.scriptMessage = [weak](const std::string& name, const Value& body) {
         if (auto view = weak.lock()) {
-            view->deliverScriptMessage(ScriptMessage{name, body});
+            view->deliverScriptMessage(kit::host::ScriptMessage{name, body});
         }
     };
     page_ = std::make_unique<WebKitGtkPage>(std::move(callbacks));
@@ -43,16 +43,16 @@ void WebKitGtkWebView::attach() {
             page_->registerScriptMessageHandler(name);
         }
         controller->addObserver(
-            std::static_pointer_cast<UserContentController::Observer>(self<WebKitGtkWebView>()));
+            std::static_pointer_cast<kit::host::UserContentController::Observer>(self<WebKitGtkWebView>()));
     }
 }
 
 void WebKitGtkWebView::setCustomUserAgent(std::string userAgent) {
     page_->setCustomUserAgent(userAgent);
-    WebView::setCustomUserAgent(std::move(userAgent));
+    kit::host::WebView::setCustomUserAgent(std::move(userAgent));
 }
 
-void WebKitGtkWebView::load(const URLRequest& request) {
+void WebKitGtkWebView::load(const kit::host::URLRequest& request) {
     page_->load(request);
 }
 

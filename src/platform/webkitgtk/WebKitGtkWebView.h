@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "ovix/platform/WebView.h"
+#include "ovix/kit/host/WebView.h"
 #include "platform/gtk/GtkEmbeddedView.h"
 #include "platform/webkitgtk/WebKitGtkPage.h"
 
@@ -15,13 +15,16 @@ namespace ovix::platform::webkitgtk {
 ///
 /// Threading: GTK's thread, which must be the platform's main thread; events arrive from the GLib
 /// main loop. The view stays alive while it reports an event, even if the receiver drops it.
-class WebKitGtkWebView : public WebView, public UserContentController::Observer, public gtk::GtkEmbeddedView {
+class WebKitGtkWebView : public kit::host::WebView,
+                         public kit::host::UserContentController::Observer,
+                         public gtk::GtkEmbeddedView {
   public:
-    static std::shared_ptr<WebKitGtkWebView> create(kit::Rect frame, WebViewConfiguration configuration);
-    WebKitGtkWebView(kit::Rect frame, WebViewConfiguration configuration);
+    static std::shared_ptr<WebKitGtkWebView> create(kit::Rect frame,
+                                                    kit::host::WebViewConfiguration configuration);
+    WebKitGtkWebView(kit::Rect frame, kit::host::WebViewConfiguration configuration);
 
     void setCustomUserAgent(std::string userAgent) override;
-    void load(const URLRequest& request) override;
+    void load(const kit::host::URLRequest& request) override;
     bool canGoBack() const override { return page_->canGoBack(); }
     void goBack() override { page_->goBack(); }
     std::string url() const override { return page_->url(); }

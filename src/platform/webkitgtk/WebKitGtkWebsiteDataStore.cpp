@@ -44,16 +44,16 @@ gboolean completeLater(gpointer data) {
 WebKitGtkWebsiteDataStore::WebKitGtkWebsiteDataStore(std::shared_ptr<Console> console)
     : console_(std::move(console)) {}
 
-unsigned WebKitGtkWebsiteDataStore::webKitTypes(const std::set<WebsiteDataType>& types) {
+unsigned WebKitGtkWebsiteDataStore::webKitTypes(const std::set<kit::host::WebsiteDataType>& types) {
     // WebKitGTK keeps no WebSQL databases: nothing to ask for.
-    static constexpr std::pair<WebsiteDataType, unsigned> bitOf[] = {
-        {WebsiteDataType::Cookies, WEBKIT_WEBSITE_DATA_COOKIES},
-        {WebsiteDataType::SessionStorage, WEBKIT_WEBSITE_DATA_SESSION_STORAGE},
-        {WebsiteDataType::LocalStorage, WEBKIT_WEBSITE_DATA_LOCAL_STORAGE},
-        {WebsiteDataType::IndexedDBDatabases, WEBKIT_WEBSITE_DATA_INDEXEDDB_DATABASES},
-        {WebsiteDataType::WebSQLDatabases, 0},
-        {WebsiteDataType::DiskCache, WEBKIT_WEBSITE_DATA_DISK_CACHE},
-        {WebsiteDataType::MemoryCache, WEBKIT_WEBSITE_DATA_MEMORY_CACHE},
+    static constexpr std::pair<kit::host::WebsiteDataType, unsigned> bitOf[] = {
+        {kit::host::WebsiteDataType::Cookies, WEBKIT_WEBSITE_DATA_COOKIES},
+        {kit::host::WebsiteDataType::SessionStorage, WEBKIT_WEBSITE_DATA_SESSION_STORAGE},
+        {kit::host::WebsiteDataType::LocalStorage, WEBKIT_WEBSITE_DATA_LOCAL_STORAGE},
+        {kit::host::WebsiteDataType::IndexedDBDatabases, WEBKIT_WEBSITE_DATA_INDEXEDDB_DATABASES},
+        {kit::host::WebsiteDataType::WebSQLDatabases, 0},
+        {kit::host::WebsiteDataType::DiskCache, WEBKIT_WEBSITE_DATA_DISK_CACHE},
+        {kit::host::WebsiteDataType::MemoryCache, WEBKIT_WEBSITE_DATA_MEMORY_CACHE},
     };
     unsigned bits = 0;
     for (const auto& [type, bit] : bitOf) {
@@ -62,8 +62,8 @@ unsigned WebKitGtkWebsiteDataStore::webKitTypes(const std::set<WebsiteDataType>&
     return bits;
 }
 
-void WebKitGtkWebsiteDataStore::removeData(const std::set<WebsiteDataType>& types, Date modifiedSince,
-                                           std::function<void()> completion) {
+void WebKitGtkWebsiteDataStore::removeData(const std::set<kit::host::WebsiteDataType>& types,
+                                           Date modifiedSince, std::function<void()> completion) {
     auto* pending = new PendingRemoval{std::move(completion), console_};
     const auto bits = static_cast<WebKitWebsiteDataTypes>(webKitTypes(types));
     const auto age = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::system_clock::now() -

@@ -2,8 +2,8 @@
 
 #include <memory>
 
+#include "ovix/kit/host/WebsiteDataStore.h"
 #include "ovix/platform/Console.h"
-#include "ovix/platform/WebsiteDataStore.h"
 
 namespace ovix::platform::webkitgtk {
 
@@ -13,15 +13,15 @@ namespace ovix::platform::webkitgtk {
 ///
 /// Threading: GTK's thread only; the completion runs there from the GLib main loop. A removal that
 /// WebKit reports as failed prints one line on `console` and still completes.
-class WebKitGtkWebsiteDataStore : public WebsiteDataStore {
+class WebKitGtkWebsiteDataStore : public kit::host::WebsiteDataStore {
   public:
     explicit WebKitGtkWebsiteDataStore(std::shared_ptr<Console> console);
 
-    void removeData(const std::set<WebsiteDataType>& types, Date modifiedSince,
+    void removeData(const std::set<kit::host::WebsiteDataType>& types, Date modifiedSince,
                     std::function<void()> completion) override;
 
     /// WebKit's bit set for `types` (exposed for tests).
-    static unsigned webKitTypes(const std::set<WebsiteDataType>& types);
+    static unsigned webKitTypes(const std::set<kit::host::WebsiteDataType>& types);
 
   private:
     std::shared_ptr<Console> console_;

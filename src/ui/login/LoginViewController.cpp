@@ -2,11 +2,13 @@
 
 #include <set>
 
+#include "core/Endpoints.h"
+#include "core/EventSlot.h"
 #include "core/SessionManager.h"
 #include "device/DeviceInfoCollector.h"
-#include "ovix/OvixCore.h"
 #include "ovix/OvixEvents.h"
 #include "ovix/kit/NavigationController.h"
+#include "ovix/kit/host/WebEngine.h"
 #include "ovix/platform/Platform.h"
 
 namespace ovix {
@@ -114,9 +116,9 @@ void LoginViewController::setupWebView() {
     auto platform = platform::current();
     std::weak_ptr<LoginViewController> weak = self<LoginViewController>();
 
-    auto contentController = platform::UserContentController::create();
+    auto contentController = kit::host::UserContentController::create();
     contentController->addScriptMessageHandler(weak, std::string(scriptMessageHandlerName));
-    platform::WebViewConfiguration configuration;
+    kit::host::WebViewConfiguration configuration;
     configuration.userContentController = contentController;
 
     webView_ = platform->webEngine->makeWebView(kit::Rect{}, std::move(configuration));
@@ -143,11 +145,11 @@ void LoginViewController::setupWebView() {
     auto progress = loadingView_->progressView();
     progress->setProgress(0, false);
     kit::View::animate(progressFillDuration, [progress] { progress->setProgress(1.0, true); });
-    webView_->load(platform::URLRequest{url, requestTimeout});
+    webView_->load(kit::host::URLRequest{url, requestTimeout});
 }
 
 void LoginViewController::clearWebViewCache() {
-    using platform::WebsiteDataType;
+    using kit::host::WebsiteDataType;
     const std::set<WebsiteDataType> types{
         WebsiteDataType::Cookies,         WebsiteDataType::SessionStorage,
         WebsiteDataType::LocalStorage,    WebsiteDataType::IndexedDBDatabases,
@@ -167,7 +169,7 @@ void LoginViewController::clearWebViewCache() {
 }
 
 std::string LoginViewController::buildAuthUrl() const {
-    return OvixCore::shared().urlString() + std::string(authorizationPath) +
+    return Endpoints::shared().urlString + std::string(authorizationPath) +
            SessionManager::readString(SessionManager::shared().clientIdKey);
 }
 
@@ -199,7 +201,7 @@ void LoginViewController::sendDeviceInfoToWebView() {
     const std::string json =
         DeviceInfoCollector::toJsonString(DeviceInfoCollector::buildDeviceInfoJson("", ""));
     webView_->evaluateJavaScript(
-        deviceInfoScript(json), [](const Value&, const std::optional<platform::WebError>& error) {
+        deviceInfoScript(json), [](const Value&, const std::optional<kit::host::WebError>& error) {
             auto console = platform::current()->console;
             if (error) {
                 console->printLine("❌ Failed to send device info: " + error->description());
@@ -222,9 +224,9 @@ void LoginViewController::didTapBack() {
     }
 }
 
-void LoginViewController::webViewDidStartProvisionalNavigation(platform::WebView&) {}
+void LoginViewController::webViewDidStartProvisionalNavigation(kit::host::WebView&) {}
 
-void LoginViewController::webViewDidCommitNavigation(platform::WebView&) {
+void LoginViewController::webViewDidCommitNavigation(kit::host::WebView&) {
     std::weak_ptr<LoginViewController> weak = self<LoginViewController>();
     platform::current()->mainQueue->asyncAfter(hideLoadingDelay, [weak] {
         if (auto screen = weak.lock()) {
@@ -233,14 +235,14 @@ void LoginViewController::webViewDidCommitNavigation(platform::WebView&) {
     });
 }
 
-void LoginViewController::webViewDidFinishNavigation(platform::WebView&) {
+void LoginViewController::webViewDidFinishNavigation(kit::host::WebView&) {
     sendDeviceInfoToWebView();
 }
 
-void LoginViewController::webViewDidFailNavigation(platform::WebView&, const platform::WebError&) {}
+void LoginViewController::webViewDidFailNavigation(kit::host::WebView&, const kit::host::WebError&) {}
 
 void LoginViewController::userContentControllerDidReceiveScriptMessage(
-    platform::UserContentController&, const platform::ScriptMessage& message) {
+    kit::host::UserContentController&, const kit::host::ScriptMessage& message) {
     if (message.name != scriptMessageHandlerName || message.body.asObject() == nullptr) {
         return;
     }
@@ -249,7 +251,7 @@ void LoginViewController::userContentControllerDidReceiveScriptMessage(
         return;
     }
     SessionManager::shared().saveToken(*token);
-    OvixCore::shared().raise(OvixEvents::LOGIN_SUCCESS);
+    EventSlot::shared().raise(OvixEvents::LOGIN_SUCCESS);
     dismiss(true);
 }
 

@@ -7,9 +7,9 @@
 #include "ovix/kit/Button.h"
 #include "ovix/kit/LayoutConstraint.h"
 #include "ovix/kit/ViewController.h"
-#include "ovix/platform/NavigationDelegate.h"
-#include "ovix/platform/ScriptMessageHandler.h"
-#include "ovix/platform/WebView.h"
+#include "ovix/kit/host/NavigationDelegate.h"
+#include "ovix/kit/host/ScriptMessageHandler.h"
+#include "ovix/kit/host/WebView.h"
 #include "ui/login/LoadingView.h"
 
 namespace ovix {
@@ -24,8 +24,8 @@ namespace ovix {
 /// screen weakly and do nothing once it has gone. Main thread only: the web engine calls the
 /// navigation and message entry points there.
 class LoginViewController : public kit::ViewController,
-                            public platform::NavigationDelegate,
-                            public platform::ScriptMessageHandler {
+                            public kit::host::NavigationDelegate,
+                            public kit::host::ScriptMessageHandler {
   public:
     /// The page's message channel, and the event raised on success.
     static constexpr std::string_view scriptMessageHandlerName = "OvixLoginSuccess";
@@ -47,7 +47,7 @@ class LoginViewController : public kit::ViewController,
     static std::shared_ptr<LoginViewController> create() { return std::make_shared<LoginViewController>(); }
 
     // Absent until the view has loaded (the web view: until it is set up, after a wipe if any).
-    const std::shared_ptr<platform::WebView>& webView() const { return webView_; }
+    const std::shared_ptr<kit::host::WebView>& webView() const { return webView_; }
     const std::shared_ptr<LoadingView>& loadingView() const { return loadingView_; }
     const std::shared_ptr<kit::Button>& backButton() const { return backButton_; }
     /// Web view top = root view top + constant (0, or 80 while the back button shows).
@@ -58,12 +58,12 @@ class LoginViewController : public kit::ViewController,
     /// The back button's action: one page back when the page can go back.
     void didTapBack();
 
-    void webViewDidStartProvisionalNavigation(platform::WebView& webView) override;
-    void webViewDidCommitNavigation(platform::WebView& webView) override;
-    void webViewDidFinishNavigation(platform::WebView& webView) override;
-    void webViewDidFailNavigation(platform::WebView& webView, const platform::WebError& error) override;
-    void userContentControllerDidReceiveScriptMessage(platform::UserContentController& controller,
-                                                      const platform::ScriptMessage& message) override;
+    void webViewDidStartProvisionalNavigation(kit::host::WebView& webView) override;
+    void webViewDidCommitNavigation(kit::host::WebView& webView) override;
+    void webViewDidFinishNavigation(kit::host::WebView& webView) override;
+    void webViewDidFailNavigation(kit::host::WebView& webView, const kit::host::WebError& error) override;
+    void userContentControllerDidReceiveScriptMessage(kit::host::UserContentController& controller,
+                                                      const kit::host::ScriptMessage& message) override;
 
     /// The script that hands `json` to the page: the text escaped for a script (backslashes doubled
     /// first, then apostrophes, line feeds and carriage returns escaped) as the argument of
@@ -85,7 +85,7 @@ class LoginViewController : public kit::ViewController,
     void sendDeviceInfoToWebView();
     void hideLoadingView();
 
-    std::shared_ptr<platform::WebView> webView_;
+    std::shared_ptr<kit::host::WebView> webView_;
     std::shared_ptr<LoadingView> loadingView_;
     std::shared_ptr<kit::Button> backButton_;
     std::shared_ptr<kit::LayoutConstraint> webViewTopConstraint_;

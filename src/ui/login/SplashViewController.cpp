@@ -1,10 +1,14 @@
 #include "ui/login/SplashViewController.h"
 
+#include "api/APIService.h"
+#include "core/EventSlot.h"
 #include "core/SessionManager.h"
-#include "ovix/OvixCore.h"
 #include "ovix/OvixEvents.h"
 #include "ovix/kit/ImageView.h"
 #include "ovix/platform/Platform.h"
+#include "push/NotificationPermission.h"
+#include "ui/ScreenRoot.h"
+#include "ui/login/LoginViewController.h"
 
 namespace ovix {
 
@@ -35,7 +39,7 @@ void SplashViewController::setupLogo() {
 void SplashViewController::requestPermission() {
     std::weak_ptr<SplashViewController> weak = self<SplashViewController>();
     // The answer arrives on the main queue.
-    OvixCore::shared().requestNotificationPermission([weak](bool) {
+    NotificationPermission::request([weak](bool) {
         if (weak.expired()) {
             return;
         }
@@ -49,17 +53,17 @@ void SplashViewController::requestPermission() {
 
 void SplashViewController::routeAfterSplash() {
     if (SessionManager::readString(SessionManager::shared().tokenKey).empty()) {
-        OvixCore::shared().showLogin();
+        ScreenRoot::install(LoginViewController::create());
         return;
     }
-    OvixCore::shared().getUserInfo([](std::optional<Dictionary> info) {
+    APIService::getUserInfo([](std::optional<Dictionary> info) {
         // The answer comes on the transport's thread; screens change on the main queue.
         platform::current()->mainQueue->async([found = info.has_value()] {
             if (!found) {
                 SessionManager::shared().clearToken();
-                OvixCore::shared().showLogin();
+                ScreenRoot::install(LoginViewController::create());
             } else {
-                OvixCore::shared().raise(OvixEvents::LOGIN_SUCCESS);
+                EventSlot::shared().raise(OvixEvents::LOGIN_SUCCESS);
             }
         });
     });

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "platform/kit/layout/Constraint.h"
+#include "kit/layout/Constraint.h"
 
 namespace ovix::kit::layout::test {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "BruteForceOracle.h"
-#include "platform/kit/layout/Solver.h"
+#include "kit/layout/Solver.h"
 
 namespace ovix::kit::layout {
 namespace {

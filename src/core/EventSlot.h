@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <string_view>
+
+#include "ovix/OvixSdkListener.h"
+#include "ovix/Value.h"
+
+namespace ovix {
+
+/// The one place events leave the SDK: the game's listener, held weakly, and `raise`.
+///
+/// Every component raises through here, so none of them needs the facade. Safe from any thread: the
+/// lock guards only the weak reference and is never held while the listener runs.
+class EventSlot {
+  public:
+    static EventSlot& shared();
+
+    EventSlot(const EventSlot&) = delete;
+    EventSlot& operator=(const EventSlot&) = delete;
+
+    /// The listener, or null when none is set or the game has released it.
+    std::shared_ptr<OvixSdkListener> listener() const;
+    /// Holds `listener` weakly, replacing any earlier one; null clears it.
+    void setListener(std::shared_ptr<OvixSdkListener> listener);
+    /// The listener, if set, gets `event` once, on the calling thread.
+    void raise(std::string_view event, const Value& data = Value()) const;
+
+  private:
+    EventSlot() = default;
+
+    mutable std::mutex mutex_;
+    std::weak_ptr<OvixSdkListener> listener_;
+};
+
+}  // namespace ovix

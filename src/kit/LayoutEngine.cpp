@@ -1,0 +1,575 @@
+#include "kit/LayoutEngine.h"
+
+#include <algorithm>
+#include <cmath>
+#include <sstream>
+#include <unordered_set>
+
+#include "ovix/kit/ScrollView.h"
+#include "ovix/kit/View.h"
+#include "ovix/platform/Platform.h"
+
+namespace ovix::kit {
+
+namespace {
+
+std::uint64_t gChanges = 0;
+bool gLayingOut = false;
+
+/// Solved values carry floating-point noise; whole numbers come back whole.
+double snap(double v) {
+    double r = std::round(v);
+    return std::fabs(v - r) < 1e-7 ? r : v;
+}
+
+bool sameTerms(const std::vector<layout::Term>& a, const std::vector<layout::Term>& b) {
+    if (a.size() != b.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (!(a[i].variable == b[i].variable) || a[i].coefficient != b[i].coefficient) {
+            return false;
+        }
+    }
+    return true;
+}
+
+layout::Relation toSolver(LayoutRelation relation) {
+    switch (relation) {
+        case LayoutRelation::lessThanOrEqual:
+            return layout::Relation::LessOrEqual;
+        case LayoutRelation::greaterThanOrEqual:
+            return layout::Relation::GreaterOrEqual;
+        case LayoutRelation::equal:
+            break;
+    }
+    return layout::Relation::Equal;
+}
+
+std::string keyOf(const void* item, const char* slot) {
+    std::ostringstream out;
+    out << item << "/" << slot;
+    return out.str();
+}
+
+void collect(View& view, std::vector<std::shared_ptr<View>>& views) {
+    views.push_back(view.self<View>());
+    for (auto& child : view.subviews()) {
+        collect(*child, views);
+    }
+}
+
+}  // namespace
+
+void LayoutEngine::noteChange() {
+    ++gChanges;
+}
+std::uint64_t LayoutEngine::changeCount() {
+    return gChanges;
+}
+bool LayoutEngine::isLayingOut() {
+    return gLayingOut;
+}
+
+void LayoutEngine::layoutTree(View& root) {
+    if (gLayingOut) {
+        return;  // a layoutIfNeeded from inside layoutSubviews: the running pass covers it
+    }
+    gLayingOut = true;
+    auto keep = root.self<View>();
+    if (!root.engine_) {
+        root.engine_ = std::make_unique<LayoutEngine>();
+    }
+    for (int pass = 0; pass < 8; ++pass) {
+        std::uint64_t before = gChanges;
+        auto views = root.engine_->sync(root, nullptr);
+        root.engine_->writeBack(views, root);
+        std::vector<std::shared_ptr<View>> tree;
+        collect(root, tree);
+        for (auto& view : tree) {
+            if (view->needsLayout_ && view->isDescendantOf(root)) {
+                view->needsLayout_ = false;
+                view->layoutSubviews();
+            }
+        }
+        if (gChanges == before) {
+            break;
+        }
+    }
+    gLayingOut = false;
+}
+
+Size LayoutEngine::fittingSize(View& view, Size target, float horizontalPriority, float verticalPriority) {
+    LayoutEngine engine;
+    Fitting fitting{target, horizontalPriority, verticalPriority};
+    // Wrapping text is as tall as the width it gets: measure again at the solved widths until they
+    // settle (a few rounds at most).
+    for (int round = 0; round < 4; ++round) {
+        auto views = engine.sync(view, &fitting);
+        bool moved = false;
+        for (auto& v : views) {
+            double width = engine.variablesFor(v).width.value();
+            auto [it, inserted] = engine.proposedWidth_.try_emplace(v.get(), width);
+            if (inserted || std::fabs(it->second - width) > 1e-9) {
+                it->second = width;
+                moved = true;
+            }
+        }
+        if (!moved) {
+            break;
+        }
+    }
+    auto& v = engine.variablesFor(view.self<View>());
+    return {snap(v.width.value()), snap(v.height.value())};
+}
+
+LayoutEngine::ItemVariables& LayoutEngine::variablesFor(const std::shared_ptr<LayoutItem>& item) {
+    auto it = items_.find(item.get());
+    if (it != items_.end() && it->second.item.lock() == item) {
+        it->second.seen = true;
+        return it->second;
+    }
+    std::string name = item->debugName();
+    ItemVariables v{item,
+                    layout::Variable(name + ".left"),
+                    layout::Variable(name + ".top"),
+                    layout::Variable(name + ".width"),
+                    layout::Variable(name + ".height"),
+                    true};
+    items_.insert_or_assign(item.get(), std::move(v));
+    return items_.at(item.get());
+}
+
+std::shared_ptr<LayoutItem> LayoutEngine::resolve(const std::shared_ptr<LayoutItem>& item,
+                                                  LayoutAttribute attribute,
+                                                  const std::shared_ptr<LayoutItem>& other) {
+    auto* scroll = dynamic_cast<ScrollView*>(item.get());
+    bool edge = attribute != LayoutAttribute::width && attribute != LayoutAttribute::height &&
+                attribute != LayoutAttribute::centerX && attribute != LayoutAttribute::centerY;
+    auto otherView = other ? other->layoutView() : nullptr;
+    if (!scroll || !edge || !otherView || otherView.get() == scroll || !otherView->isDescendantOf(*scroll)) {
+        return item;
+    }
+    return scroll->contentLayoutGuide().shared_from_this();
+}
+
+layout::Expression LayoutEngine::expressionFor(const ItemVariables& v, LayoutAttribute attribute) const {
+    switch (attribute) {
+        case LayoutAttribute::left:
+        case LayoutAttribute::leading:
+            return v.left;
+        case LayoutAttribute::right:
+        case LayoutAttribute::trailing:
+            return v.left + v.width;
+        case LayoutAttribute::top:
+            return v.top;
+        case LayoutAttribute::bottom:
+            return v.top + v.height;
+        case LayoutAttribute::width:
+            return v.width;
+        case LayoutAttribute::height:
+            return v.height;
+        case LayoutAttribute::centerX:
+            return v.left + v.width / 2;
+        case LayoutAttribute::centerY:
+            break;
+    }
+    return v.top + v.height / 2;
+}
+
+void LayoutEngine::warnBroken(const std::string& description) {
+    platform::current()->console->printLine(
+        "⚠️ Unable to simultaneously satisfy constraints: " + description + "; breaking it");
+}
+
+bool LayoutEngine::tryAdd(const layout::Constraint& constraint) {
+    return solver_.addConstraint(constraint) == layout::SolverResult::Ok;
+}
+
+void LayoutEngine::generate(const std::string& key, layout::Expression expression, layout::Relation relation,
+                            double strength, const std::string& description) {
+    auto it = generated_.find(key);
+    if (it != generated_.end() && it->second.seen) {
+        return;  // the same key twice in one pass: the first wins
+    }
+    generatedOrder_.push_back(key);
+    if (it != generated_.end() && sameTerms(it->second.terms, expression.terms) &&
+        it->second.strength == strength && it->second.constraint.relation() == relation) {
+        GeneratedEntry& e = it->second;
+        e.seen = true;
+        e.description = description;
+        if (e.constant != expression.constant) {
+            e.constant = expression.constant;
+            if (!e.installed ||
+                solver_.setConstant(e.constraint, expression.constant) != layout::SolverResult::Ok) {
+                // A fixed size or frame that no longer fits the user's required constraints: start
+                // over so the fixed value holds and a user constraint breaks instead.
+                rebuildNeeded_ = true;
+                if (e.installed) {
+                    solver_.removeConstraint(e.constraint);
+                    e.installed = false;
+                }
+                e.constraint = layout::Constraint(expression, relation, strength);
+            }
+        }
+        return;
+    }
+    if (it != generated_.end()) {
+        if (it->second.installed) {
+            solver_.removeConstraint(it->second.constraint);
+        }
+        generated_.erase(it);
+    }
+    GeneratedEntry e{layout::Constraint(expression, relation, strength),
+                     expression.terms,
+                     strength,
+                     expression.constant,
+                     false,
+                     true,
+                     false,
+                     description};
+    e.installed = tryAdd(e.constraint);
+    rebuildNeeded_ = rebuildNeeded_ || !e.installed;
+    generated_.insert_or_assign(key, std::move(e));
+}
+
+void LayoutEngine::syncUser(const std::shared_ptr<LayoutConstraint>& c) {
+    auto first = c->firstItem();
+    auto second = c->secondItem();
+    double strength = layout::strength::fromPriority(c->priority());
+    auto build = [&] {
+        auto a = resolve(first, c->firstAttribute(), second);
+        layout::Expression lhs = expressionFor(variablesFor(a), c->firstAttribute());
+        layout::Expression rhs = layout::Expression(0);
+        if (second) {
+            auto b = resolve(second, c->secondAttribute(), first);
+            rhs = expressionFor(variablesFor(b), c->secondAttribute()) * c->multiplier();
+        }
+        return layout::Constraint(lhs - rhs - c->constant(), toSolver(c->relation()), strength);
+    };
+    auto breakIt = [&](UserEntry& e) {
+        e.installed = false;
+        if (!e.warned) {
+            e.warned = true;
+            warnBroken(c->description());
+        }
+    };
+    auto it = user_.find(c.get());
+    if (it == user_.end() || it->second.source.lock() != c) {
+        UserEntry e{c, build(), c->revision_, c->priority(), false, true, false};
+        e.installed = tryAdd(e.constraint);
+        if (!e.installed) {
+            breakIt(e);
+        }
+        user_.insert_or_assign(c.get(), std::move(e));
+        return;
+    }
+    UserEntry& e = it->second;
+    e.seen = true;
+    if (e.revision == c->revision_) {
+        if (!e.installed) {
+            e.installed = tryAdd(e.constraint);  // the system changed around it: it may fit now
+            e.warned = e.warned && !e.installed;
+        }
+        return;
+    }
+    e.revision = c->revision_;
+    if (e.installed && e.priority == c->priority()) {
+        if (solver_.setConstant(e.constraint, -c->constant()) != layout::SolverResult::Ok) {
+            solver_.removeConstraint(e.constraint);
+            e.constraint = build();
+            breakIt(e);
+        }
+        return;
+    }
+    if (e.installed) {
+        solver_.removeConstraint(e.constraint);
+    }
+    e.constraint = build();
+    e.priority = c->priority();
+    e.warned = false;
+    e.installed = tryAdd(e.constraint);
+    if (!e.installed) {
+        breakIt(e);
+    }
+}
+
+void LayoutEngine::rebuild(const std::vector<std::shared_ptr<LayoutConstraint>>& active) {
+    solver_.reset();
+    for (auto& key : generatedOrder_) {
+        GeneratedEntry& e = generated_.at(key);
+        e.installed = tryAdd(e.constraint);
+        if (!e.installed && !e.warned) {
+            e.warned = true;
+            warnBroken(e.description);
+        }
+    }
+    for (auto& c : active) {
+        UserEntry& e = user_.at(c.get());
+        e.installed = tryAdd(e.constraint);
+        if (!e.installed && !e.warned) {
+            e.warned = true;
+            warnBroken(c->description());
+        }
+        e.warned = e.warned && !e.installed;
+    }
+}
+
+std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting* fitting) {
+    for (auto& [p, v] : items_) {
+        v.seen = false;
+    }
+    for (auto& [p, e] : user_) {
+        e.seen = false;
+    }
+    for (auto& [k, e] : generated_) {
+        e.seen = false;
+    }
+    generatedOrder_.clear();
+    rebuildNeeded_ = false;
+
+    std::vector<std::shared_ptr<View>> tree;
+    collect(root, tree);
+
+    // The constraints in force, and every view they need positions for: their items' views and
+    // those views' ancestors up to the root.
+    std::vector<std::shared_ptr<LayoutConstraint>> active;
+    std::unordered_set<const View*> involved{&root};
+    std::unordered_set<const LayoutItem*> guides;
+    auto involve = [&](const std::shared_ptr<LayoutItem>& item) {
+        auto view = item->layoutView();
+        if (item.get() != view.get()) {
+            guides.insert(item.get());
+        }
+        for (auto v = view; v && involved.insert(v.get()).second && v.get() != &root; v = v->superview()) {
+        }
+    };
+    for (auto& view : tree) {
+        for (auto& c : view->constraints()) {
+            auto first = c->firstItem();
+            auto second = c->secondItem();
+            auto firstView = first ? first->layoutView() : nullptr;
+            auto secondView = second ? second->layoutView() : nullptr;
+            bool inTree = firstView && firstView->isDescendantOf(root) &&
+                          (!c->hasSecond_ || (secondView && secondView->isDescendantOf(root)));
+            if (inTree) {
+                active.push_back(c);
+                involve(resolve(first, c->firstAttribute(), second));
+                if (second) {
+                    involve(resolve(second, c->secondAttribute(), first));
+                }
+            }
+        }
+    }
+
+    // In activation order, whichever view holds them: the order the user wrote them in decides
+    // which of two conflicting ones breaks, and it keeps the solver's rows short (a chain of views
+    // meets each height before the view below it).
+    std::sort(active.begin(), active.end(),
+              [](const auto& a, const auto& b) { return a->activationOrder_ < b->activationOrder_; });
+
+    std::vector<std::shared_ptr<View>> views;
+    for (auto& view : tree) {
+        if (involved.count(view.get())) {
+            views.push_back(view);
+        }
+    }
+
+    // Stale entries go first so that a replacement never meets the constraint it replaces.
+    std::unordered_set<const LayoutConstraint*> wanted;
+    for (auto& c : active) {
+        wanted.insert(c.get());
+    }
+    for (auto it = user_.begin(); it != user_.end();) {
+        auto source = it->second.source.lock();
+        if (!source || !wanted.count(it->first) || source.get() != it->first) {
+            if (it->second.installed) {
+                solver_.removeConstraint(it->second.constraint);
+            }
+            it = user_.erase(it);
+        } else {
+            ++it;
+        }
+    }
+
+    const double required = layout::strength::required;
+    auto priority = [](float p) { return layout::strength::fromPriority(p); };
+    for (auto& view : views) {
+        auto& v = variablesFor(view);
+        const View* vp = view.get();
+        std::string name = view->debugName();
+        if (vp == &root) {
+            generate(keyOf(vp, "root.left"), v.left, layout::Relation::Equal, required,
+                     name + ".left == 0 (root)");
+            generate(keyOf(vp, "root.top"), v.top, layout::Relation::Equal, required,
+                     name + ".top == 0 (root)");
+            if (fitting) {
+                generate(keyOf(vp, "fit.width"), v.width - fitting->target.width, layout::Relation::Equal,
+                         priority(fitting->horizontalPriority), name + ".width (fitting)");
+                generate(keyOf(vp, "fit.height"), v.height - fitting->target.height, layout::Relation::Equal,
+                         priority(fitting->verticalPriority), name + ".height (fitting)");
+            } else {
+                Size size = view->bounds().size;
+                generate(keyOf(vp, "root.width"), v.width - size.width, layout::Relation::Equal, required,
+                         name + ".width == bounds (root)");
+                generate(keyOf(vp, "root.height"), v.height - size.height, layout::Relation::Equal, required,
+                         name + ".height == bounds (root)");
+            }
+        } else if (view->translatesAutoresizingMaskIntoConstraints()) {
+            // The fixed frame, with the autoresizing mask turned into its dependence on the
+            // superview's size: flexible parts take their share of any change in that size.
+            auto superview = view->superview();
+            auto& s = variablesFor(superview);
+            Rect f = view->frame();
+            Size old = superview->bounds().size;
+            using M = AutoresizingMask;
+            M mask = superview->autoresizesSubviews() ? view->autoresizingMask() : M::none;
+            auto shares = [](double start, double length, double end, bool fs, bool fl, bool fe) {
+                double total = (fs ? start : 0) + (fl ? length : 0) + (fe ? end : 0);
+                int count = int(fs) + int(fl) + int(fe);
+                auto share = [&](bool flexible, double part) {
+                    return !flexible ? 0.0 : total != 0 ? part / total : 1.0 / count;
+                };
+                return std::pair<double, double>(share(fs, start), share(fl, length));
+            };
+            auto scaled = [](const layout::Variable& var, double k) {
+                return k == 0 ? layout::Expression(0) : layout::Expression(var) * k;
+            };
+            auto [kx, kw] = shares(f.origin.x, f.size.width, old.width - f.origin.x - f.size.width,
+                                   has(mask, M::flexibleLeftMargin), has(mask, M::flexibleWidth),
+                                   has(mask, M::flexibleRightMargin));
+            auto [ky, kh] = shares(f.origin.y, f.size.height, old.height - f.origin.y - f.size.height,
+                                   has(mask, M::flexibleTopMargin), has(mask, M::flexibleHeight),
+                                   has(mask, M::flexibleBottomMargin));
+            generate(keyOf(vp, "frame.left"),
+                     v.left - s.left - scaled(s.width, kx) - (f.origin.x - kx * old.width),
+                     layout::Relation::Equal, required, name + ".left == frame");
+            generate(keyOf(vp, "frame.top"),
+                     v.top - s.top - scaled(s.height, ky) - (f.origin.y - ky * old.height),
+                     layout::Relation::Equal, required, name + ".top == frame");
+            generate(keyOf(vp, "frame.width"),
+                     v.width - scaled(s.width, kw) - (f.size.width - kw * old.width), layout::Relation::Equal,
+                     required, name + ".width == frame");
+            generate(keyOf(vp, "frame.height"),
+                     v.height - scaled(s.height, kh) - (f.size.height - kh * old.height),
+                     layout::Relation::Equal, required, name + ".height == frame");
+        }
+        if (vp != &root || fitting) {
+            if (!view->translatesAutoresizingMaskIntoConstraints() || (vp == &root && fitting)) {
+                auto proposed = proposedWidth_.find(vp);
+                Size ics = proposed == proposedWidth_.end()
+                               ? view->intrinsicContentSize()
+                               : view->intrinsicContentSizeForWidth(proposed->second);
+                // Compression resistance keeps the view from shrinking below its content, hugging
+                // from growing past it, each at the view's priority for the axis.
+                auto hold = [&](LayoutAxis axis, const layout::Variable& length, double natural) {
+                    if (natural == View::noIntrinsicMetric) {
+                        return;
+                    }
+                    std::string what = axis == LayoutAxis::horizontal ? ".width" : ".height";
+                    generate(keyOf(vp, ("ics" + what + ".min").c_str()), length - natural,
+                             layout::Relation::GreaterOrEqual,
+                             priority(view->contentCompressionResistancePriority(axis)),
+                             name + what + " >= intrinsic");
+                    generate(keyOf(vp, ("ics" + what + ".max").c_str()), length - natural,
+                             layout::Relation::LessOrEqual, priority(view->contentHuggingPriority(axis)),
+                             name + what + " <= intrinsic");
+                };
+                hold(LayoutAxis::horizontal, v.width, ics.width);
+                hold(LayoutAxis::vertical, v.height, ics.height);
+            }
+        }
+        // Built-in guides: fixed insets of the view's own rectangle.
+        auto guideInsets = [&](const std::shared_ptr<LayoutGuide>& guide, EdgeInsets in, const char* slot) {
+            if (!guide || !guides.count(guide.get())) {
+                return;
+            }
+            auto& g = variablesFor(guide);
+            std::string gname = guide->debugName();
+            std::string k(slot);
+            generate(keyOf(vp, (k + ".left").c_str()), g.left - v.left - in.left, layout::Relation::Equal,
+                     required, gname + ".left");
+            generate(keyOf(vp, (k + ".top").c_str()), g.top - v.top - in.top, layout::Relation::Equal,
+                     required, gname + ".top");
+            generate(keyOf(vp, (k + ".width").c_str()), g.width - v.width + in.left + in.right,
+                     layout::Relation::Equal, required, gname + ".width");
+            generate(keyOf(vp, (k + ".height").c_str()), g.height - v.height + in.top + in.bottom,
+                     layout::Relation::Equal, required, gname + ".height");
+        };
+        guideInsets(view->safeAreaGuide_, view->safeAreaInsets(), "safe");
+        guideInsets(view->marginsGuide_, view->layoutMargins(), "margins");
+        for (auto& guide : view->layoutGuides()) {
+            if (!guides.count(guide.get())) {
+                continue;
+            }
+            auto& g = variablesFor(guide);
+            if (guide->kind() == LayoutGuide::Kind::scrollFrame) {
+                guideInsets(guide, {}, "frameGuide");
+            } else if (guide->kind() == LayoutGuide::Kind::scrollContent) {
+                // The content starts at the scroll view's origin; its size is whatever the
+                // constraints make it.
+                generate(keyOf(vp, "content.left"), g.left - v.left, layout::Relation::Equal, required,
+                         guide->debugName() + ".left");
+                generate(keyOf(vp, "content.top"), g.top - v.top, layout::Relation::Equal, required,
+                         guide->debugName() + ".top");
+            }
+        }
+    }
+
+    // Drop what this pass no longer wants, then add the user's constraints in activation order.
+    for (auto it = generated_.begin(); it != generated_.end();) {
+        if (!it->second.seen) {
+            if (it->second.installed) {
+                solver_.removeConstraint(it->second.constraint);
+            }
+            it = generated_.erase(it);
+        } else {
+            ++it;
+        }
+    }
+    for (auto& c : active) {
+        syncUser(c);
+    }
+    if (rebuildNeeded_) {
+        rebuild(active);
+    }
+    for (auto it = items_.begin(); it != items_.end();) {
+        it = it->second.seen ? std::next(it) : items_.erase(it);
+    }
+    solver_.updateVariables();
+    return views;
+}
+
+void LayoutEngine::writeBack(const std::vector<std::shared_ptr<View>>& views, View& root) {
+    auto rectOf = [&](const ItemVariables& v, const ItemVariables& origin) {
+        return Rect{snap(v.left.value() - origin.left.value()), snap(v.top.value() - origin.top.value()),
+                    snap(v.width.value()), snap(v.height.value())};
+    };
+    for (auto& view : views) {
+        auto& v = variablesFor(view);
+        if (view.get() != &root && !view->translatesAutoresizingMaskIntoConstraints()) {
+            auto& s = variablesFor(view->superview());
+            Rect frame = rectOf(v, s);
+            if (frame != view->frame()) {
+                view->setFrame(frame);
+            }
+        }
+        auto place = [&](const std::shared_ptr<LayoutGuide>& guide) {
+            auto it = guide ? items_.find(guide.get()) : items_.end();
+            if (it == items_.end()) {
+                return;
+            }
+            guide->layoutFrame_ = rectOf(it->second, v);
+            if (guide->kind() == LayoutGuide::Kind::scrollContent) {
+                view->contentLayoutGuideDidResolve(guide->layoutFrame_.size);
+            }
+        };
+        place(view->safeAreaGuide_);
+        place(view->marginsGuide_);
+        for (auto& guide : view->layoutGuides()) {
+            place(guide);
+        }
+    }
+}
+
+}  // namespace ovix::kit

@@ -1,0 +1,259 @@
+#include "platform/cairo/KitRenderer.h"
+
+#include <pango/pangocairo.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "ovix/kit/ImageView.h"
+#include "ovix/kit/Label.h"
+#include "ovix/kit/ProgressView.h"
+#include "ovix/kit/host/WebView.h"
+
+namespace ovix::platform::gtk {
+
+namespace {
+
+void setColor(cairo_t* cr, const kit::Color& color, double alpha = 1) {
+    cairo_set_source_rgba(cr, color.r(), color.g(), color.b(), color.a() * alpha);
+}
+
+void roundedRect(cairo_t* cr, const kit::Rect& r, double radius) {
+    radius = std::min({radius, r.size.width / 2, r.size.height / 2});
+    if (radius <= 0) {
+        cairo_rectangle(cr, r.origin.x, r.origin.y, r.size.width, r.size.height);
+        return;
+    }
+    const double x = r.origin.x, y = r.origin.y, w = r.size.width, h = r.size.height;
+    cairo_new_sub_path(cr);
+    cairo_arc(cr, x + w - radius, y + radius, radius, -M_PI / 2, 0);
+    cairo_arc(cr, x + w - radius, y + h - radius, radius, 0, M_PI / 2);
+    cairo_arc(cr, x + radius, y + h - radius, radius, M_PI / 2, M_PI);
+    cairo_arc(cr, x + radius, y + radius, radius, M_PI, 3 * M_PI / 2);
+    cairo_close_path(cr);
+}
+
+}  // namespace
+
+bool KitRenderer::drawsItself(const kit::View& view) {
+    return dynamic_cast<const kit::host::WebView*>(&view) != nullptr;
+}
+
+void KitRenderer::draw(cairo_t* cr, const kit::View& root, double time, Layer layer) {
+    Pass pass{layer, time};
+    cairo_save(cr);
+    drawView(cr, root, nullptr, pass);
+    cairo_restore(cr);
+}
+
+bool KitRenderer::writePng(const kit::View& root, double time, double scale,
+                           const std::filesystem::path& path) {
+    const auto size = root.presentation(time).bounds.size;
+    cairo_surface_t* surface =
+        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(std::ceil(size.width * scale)),
+                                   static_cast<int>(std::ceil(size.height * scale)));
+    cairo_t* cr = cairo_create(surface);
+    cairo_scale(cr, scale, scale);
+    const auto frame = root.presentation(time).frame();
+    cairo_translate(cr, -frame.origin.x, -frame.origin.y);
+    draw(cr, root, time, Layer::all);
+    cairo_destroy(cr);
+    const bool written = cairo_surface_write_to_png(surface, path.c_str()) == CAIRO_STATUS_SUCCESS;
+    cairo_surface_destroy(surface);
+    return written;
+}
+
+void KitRenderer::drawView(cairo_t* cr, const kit::View& view, const kit::View* parent, Pass& pass) {
+    const auto shown = view.presentation(pass.time);
+    if (view.isHidden() || shown.alpha < 0.01) {
+        return;
+    }
+    if (drawsItself(view)) {
+        pass.passedEngineView = true;  // its subtree belongs to the engine too
+        return;
+    }
+    const bool paint = pass.layer == Layer::all || (pass.layer == Layer::below) != pass.passedEngineView;
+    if (pass.layer == Layer::below && pass.passedEngineView) {
+        return;  // everything from here on lies over the engine's view
+    }
+
+    cairo_save(cr);
+    const auto frame = shown.frame();
+    const kit::Point origin = parent ? parent->presentation(pass.time).bounds.origin : kit::Point{};
+    cairo_translate(cr, frame.origin.x - origin.x, frame.origin.y - origin.y);
+    const bool translucent = shown.alpha < 1 && paint;
+    if (translucent) {
+        cairo_push_group(cr);
+    }
+    const kit::Rect bounds{{0, 0}, shown.bounds.size};
+    if (paint) {
+        drawContent(cr, view, shown, pass.time);
+    }
+    if (view.clipsToBounds()) {
+        roundedRect(cr, bounds, view.layer().cornerRadius());
+        cairo_clip(cr);
+    }
+    for (const auto& subview : view.subviews()) {
+        drawView(cr, *subview, &view, pass);
+    }
+    if (translucent) {
+        cairo_pop_group_to_source(cr);
+        cairo_paint_with_alpha(cr, shown.alpha);
+    }
+    cairo_restore(cr);
+}
+
+void KitRenderer::drawContent(cairo_t* cr, const kit::View& view, const kit::ViewPresentation& shown,
+                              double time) {
+    const kit::Rect bounds{{0, 0}, shown.bounds.size};
+    const auto& layer = view.layer();
+    const double radius = layer.cornerRadius();
+    if (layer.shadowOpacity() > 0 && layer.shadowColor() && shown.backgroundColor) {
+        // A soft shadow: the shape, offset, in a few widening steps of falling strength.
+        const int steps = std::max(1, static_cast<int>(std::ceil(layer.shadowRadius())));
+        for (int i = steps; i >= 1; --i) {
+            const double spread = i;
+            kit::Rect r{{layer.shadowOffset().width - spread, layer.shadowOffset().height - spread},
+                        {bounds.size.width + 2 * spread, bounds.size.height + 2 * spread}};
+            roundedRect(cr, r, radius + spread);
+            setColor(cr, *layer.shadowColor(), layer.shadowOpacity() / (steps + 1));
+            cairo_fill(cr);
+        }
+    }
+    if (shown.backgroundColor) {
+        roundedRect(cr, bounds, radius);
+        setColor(cr, *shown.backgroundColor);
+        cairo_fill(cr);
+    }
+    if (dynamic_cast<const kit::ImageView*>(&view)) {
+        drawImage(cr, view, time);
+    } else if (dynamic_cast<const kit::Label*>(&view)) {
+        drawLabel(cr, view);
+    } else if (dynamic_cast<const kit::ProgressView*>(&view)) {
+        drawProgress(cr, view, bounds, time);
+    }
+    if (layer.borderWidth() > 0) {
+        const double inset = layer.borderWidth() / 2;
+        roundedRect(cr, {{inset, inset}, {bounds.size.width - 2 * inset, bounds.size.height - 2 * inset}},
+                    std::max(0.0, radius - inset));
+        setColor(cr, layer.borderColor());
+        cairo_set_line_width(cr, layer.borderWidth());
+        cairo_stroke(cr);
+    }
+}
+
+cairo_surface_t* KitRenderer::surfaceFor(const std::filesystem::path& path) {
+    auto& slot = images_[path.string()];
+    if (!slot) {
+        cairo_surface_t* surface = cairo_image_surface_create_from_png(path.c_str());
+        slot = std::shared_ptr<cairo_surface_t>(surface, cairo_surface_destroy);
+    }
+    return cairo_surface_status(slot.get()) == CAIRO_STATUS_SUCCESS ? slot.get() : nullptr;
+}
+
+void KitRenderer::drawImage(cairo_t* cr, const kit::View& view, double) {
+    const auto& imageView = static_cast<const kit::ImageView&>(view);
+    const auto& image = imageView.image();
+    if (!image || image->isSymbol()) {
+        return;
+    }
+    cairo_surface_t* surface = nullptr;
+    std::shared_ptr<cairo_surface_t> owned;
+    if (image->path()) {
+        surface = surfaceFor(*image->path());
+    } else if (const auto* pixels = image->pixels()) {
+        owned.reset(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, pixels->width, pixels->height),
+                    cairo_surface_destroy);
+        unsigned char* data = cairo_image_surface_get_data(owned.get());
+        const int stride = cairo_image_surface_get_stride(owned.get());
+        for (int y = 0; y < pixels->height; ++y) {
+            auto* row = reinterpret_cast<std::uint32_t*>(data + y * stride);
+            for (int x = 0; x < pixels->width; ++x) {
+                const auto* p = &pixels->pixels[static_cast<std::size_t>((y * pixels->width + x) * 4)];
+                const unsigned a = p[3];
+                // Cairo wants premultiplied native-endian ARGB.
+                row[x] = (a << 24) | ((p[0] * a / 255) << 16) | ((p[1] * a / 255) << 8) | (p[2] * a / 255);
+            }
+        }
+        cairo_surface_mark_dirty(owned.get());
+        surface = owned.get();
+    }
+    if (surface == nullptr) {
+        return;
+    }
+    const kit::Rect target = imageView.imageRect();
+    const double width = cairo_image_surface_get_width(surface);
+    const double height = cairo_image_surface_get_height(surface);
+    if (target.size.width <= 0 || target.size.height <= 0 || width <= 0 || height <= 0) {
+        return;
+    }
+    cairo_save(cr);
+    cairo_translate(cr, target.origin.x, target.origin.y);
+    cairo_scale(cr, target.size.width / width, target.size.height / height);
+    cairo_set_source_surface(cr, surface, 0, 0);
+    cairo_pattern_set_filter(cairo_get_source(cr), CAIRO_FILTER_GOOD);
+    if (image->isTemplate()) {
+        setColor(cr, view.tintColor());
+        cairo_mask_surface(cr, surface, 0, 0);
+    } else {
+        cairo_paint(cr);
+    }
+    cairo_restore(cr);
+}
+
+void KitRenderer::drawLabel(cairo_t* cr, const kit::View& view) {
+    const auto& label = static_cast<const kit::Label&>(view);
+    if (label.text().empty()) {
+        return;
+    }
+    const auto size = label.bounds().size;
+    PangoLayout* layout = pango_cairo_create_layout(cr);
+    PangoFontDescription* font = pango_font_description_new();
+    // The kit measures text at about 0.55 em a character; the condensed face matches that best.
+    pango_font_description_set_family(font, "DejaVu Sans Condensed,Sans");
+    pango_font_description_set_absolute_size(font, label.font().pointSize() * PANGO_SCALE);
+    pango_font_description_set_weight(font, label.font().isBold() ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
+    pango_layout_set_font_description(layout, font);
+    pango_font_description_free(font);
+    pango_layout_set_text(layout, label.text().c_str(), -1);
+    pango_layout_set_width(layout, static_cast<int>(size.width * PANGO_SCALE));
+    pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
+    if (label.numberOfLines() == 1) {
+        pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
+    }
+    switch (label.textAlignment()) {
+        case kit::TextAlignment::center:
+            pango_layout_set_alignment(layout, PANGO_ALIGN_CENTER);
+            break;
+        case kit::TextAlignment::right:
+            pango_layout_set_alignment(layout, PANGO_ALIGN_RIGHT);
+            break;
+        default:
+            pango_layout_set_alignment(layout, PANGO_ALIGN_LEFT);
+            break;
+    }
+    int width = 0;
+    int height = 0;
+    pango_layout_get_pixel_size(layout, &width, &height);
+    // Labels centre their text vertically.
+    cairo_move_to(cr, 0, std::max(0.0, (size.height - height) / 2));
+    setColor(cr, label.textColor());
+    pango_cairo_show_layout(cr, layout);
+    g_object_unref(layout);
+}
+
+void KitRenderer::drawProgress(cairo_t* cr, const kit::View& view, const kit::Rect& bounds, double time) {
+    const auto& bar = static_cast<const kit::ProgressView&>(view);
+    const double radius = std::min(bar.layer().cornerRadius(), bounds.size.height / 2);
+    roundedRect(cr, bounds, radius);
+    setColor(cr, bar.trackTintColor().value_or(kit::Color::systemGray().withAlphaComponent(0.3)));
+    cairo_fill(cr);
+    const double fill = std::clamp(bar.presentationProgress(time), 0.0, 1.0) * bounds.size.width;
+    if (fill > 0) {
+        roundedRect(cr, {{0, 0}, {fill, bounds.size.height}}, radius);
+        setColor(cr, bar.progressTintColor().value_or(view.tintColor()));
+        cairo_fill(cr);
+    }
+}
+
+}  // namespace ovix::platform::gtk

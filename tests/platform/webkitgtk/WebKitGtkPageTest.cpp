@@ -1,0 +1,246 @@
+// The WebKitGTK engine for real, under a private X server, against pages from a loopback server.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include "platform/webkitgtk/WebKitGtkPage.h"
+#include "platform/webkitgtk/WebKitGtkWebsiteDataStore.h"
+#include "support/GtkTestEnvironment.h"
+#include "support/PageServer.h"
+
+namespace ovix::test {
+namespace {
+
+using kit::host::URLRequest;
+using kit::host::WebError;
+using platform::webkitgtk::WebKitGtkPage;
+
+struct Message {
+    std::string name;
+    Value body;
+};
+
+class WebKitGtkPageTest : public ::testing::Test {
+  protected:
+    WebKitGtkPageTest() {
+        WebKitGtkPage::Callbacks callbacks;
+        callbacks.started = [this] { events.push_back("started"); };
+        callbacks.committed = [this] { events.push_back("committed"); };
+        callbacks.finished = [this] {
+            events.push_back("finished");
+            ++finishedCount;
+        };
+        callbacks.failed = [this](const WebError& error) {
+            events.push_back("failed");
+            failures.push_back(error);
+        };
+        callbacks.scriptMessage = [this](const std::string& name, const Value& body) {
+            messages.push_back({name, body});
+        };
+        page = std::make_unique<WebKitGtkPage>(std::move(callbacks));
+    }
+
+    void loadAndFinish(const std::string& path) {
+        const int before = finishedCount;
+        const auto failed = failures.size();
+        page->load(URLRequest{server.url(path)});
+        ASSERT_TRUE(pumpUntil([&] { return finishedCount > before || failures.size() > failed; })) << path;
+        ASSERT_EQ(failures.size(), failed) << failures.back().description();
+    }
+
+    std::pair<Value, std::optional<WebError>> evaluate(const std::string& script) {
+        bool done = false;
+        std::pair<Value, std::optional<WebError>> out;
+        page->evaluateJavaScript(script, [&](const Value& result, const std::optional<WebError>& error) {
+            out = {result, error};
+            done = true;
+        });
+        EXPECT_TRUE(pumpUntil([&] { return done; }));
+        return out;
+    }
+
+    PageServer server;
+    std::unique_ptr<WebKitGtkPage> page;
+    std::vector<std::string> events;
+    std::vector<WebError> failures;
+    std::vector<Message> messages;
+    int finishedCount = 0;
+};
+
+TEST_F(WebKitGtkPageTest, PageMessagesArriveUnderTheirNameWithTheBodyAsAValue) {
+    ASSERT_TRUE(page->registerScriptMessageHandler("OvixLoginSuccess"));
+    ASSERT_TRUE(page->registerScriptMessageHandler("Other"));
+    EXPECT_FALSE(page->registerScriptMessageHandler("Other"));
+    server.page("/post", R"(<html><body><script>
+        const h = window.webkit.messageHandlers;
+        h.OvixLoginSuccess.postMessage({data: "abc"});
+        h.Other.postMessage({data: 5, list: [1, 2.5, null, true, "é\\'\n"], nested: {k: -3}});
+        h.Other.postMessage("just text");
+        h.Other.postMessage(undefined);
+    </script></body></html>)");
+
+    loadAndFinish("/post");
+    ASSERT_TRUE(pumpUntil([&] { return messages.size() == 4; }));
+
+    EXPECT_EQ(messages[0].name, "OvixLoginSuccess");
+    EXPECT_EQ(messages[0].body, Value(Dictionary{{"data", "abc"}}));
+    EXPECT_EQ(messages[1].name, "Other");
+    EXPECT_EQ(messages[1].body,
+              Value(Dictionary{{"data", 5u},
+                               {"list", Array{Value(1u), Value(2.5), Value(), Value(true), Value("é\\'\n")}},
+                               {"nested", Dictionary{{"k", -3}}}}));
+    EXPECT_EQ(messages[2].body, Value("just text"));
+    EXPECT_TRUE(messages[3].body.isNull());
+}
+
+TEST_F(WebKitGtkPageTest, AnUnregisteredNameIsNotOfferedToThePage) {
+    ASSERT_TRUE(page->registerScriptMessageHandler("OvixLoginSuccess"));
+    server.page("/blank", "<html><body>blank</body></html>");
+    loadAndFinish("/blank");
+
+    auto [result, error] = evaluate("typeof window.webkit.messageHandlers.Other");
+    EXPECT_FALSE(error.has_value());
+    EXPECT_EQ(result, Value("undefined"));
+    EXPECT_TRUE(messages.empty());
+}
+
+TEST_F(WebKitGtkPageTest, ALoadStartsCommitsAndFinishesInOrder) {
+    server.page("/a", "<html><body>a</body></html>");
+    loadAndFinish("/a");
+    EXPECT_EQ(events, (std::vector<std::string>{"started", "committed", "finished"}));
+    EXPECT_EQ(page->url(), server.url("/a"));
+}
+
+TEST_F(WebKitGtkPageTest, AnUnreachableHostFailsWithoutFinishing) {
+    std::string url;
+    {
+        PageServer closed;
+        url = closed.url("/gone");
+    }  // the port is closed again
+
+    page->load(URLRequest{url});
+    ASSERT_TRUE(pumpUntil([&] { return !failures.empty(); }));
+    pumpPending();
+
+    EXPECT_EQ(failures.front().kind, WebError::Kind::Network) << failures.front().description();
+    EXPECT_EQ(std::count(events.begin(), events.end(), "finished"), 0);
+}
+
+TEST_F(WebKitGtkPageTest, ALoadWithoutAnswerTimesOut) {
+    // A first page brings the web process up, so the short time-out measures the load, not the start.
+    server.page("/warm", "<html><body>warm</body></html>");
+    loadAndFinish("/warm");
+    server.hold("/slow");
+    page->load(URLRequest{server.url("/slow"), 0.3});
+    ASSERT_TRUE(pumpUntil([&] { return !failures.empty(); }));
+    EXPECT_EQ(failures.front().kind, WebError::Kind::TimedOut) << failures.front().description();
+    server.releaseHeld();
+
+    // The stopped load leaves no trace, and the next load reports normally.
+    server.page("/after", "<html><body>after</body></html>");
+    loadAndFinish("/after");
+    EXPECT_EQ(failures.size(), 1u);
+    EXPECT_EQ(std::count(events.begin(), events.end(), "finished"), 2);
+}
+
+TEST_F(WebKitGtkPageTest, BackNavigationReturnsToThePreviousPage) {
+    server.page("/first", "<html><body>first</body></html>");
+    server.page("/second", "<html><body>second</body></html>");
+    loadAndFinish("/first");
+    EXPECT_FALSE(page->canGoBack());
+    page->goBack();  // nothing to go back to: no load starts
+    pumpPending();
+    EXPECT_EQ(events.back(), "finished");
+
+    // The page navigates by itself, as a login page moving between its own screens does.
+    const int before = finishedCount;
+    evaluate("location.href = '/second'");
+    ASSERT_TRUE(pumpUntil([&] { return finishedCount > before; }));
+    EXPECT_EQ(page->url(), server.url("/second"));
+    ASSERT_TRUE(page->canGoBack());
+
+    const int afterSecond = finishedCount;
+    page->goBack();
+    ASSERT_TRUE(pumpUntil([&] { return finishedCount > afterSecond; }));
+    EXPECT_EQ(page->url(), server.url("/first"));
+    EXPECT_FALSE(page->canGoBack());
+}
+
+TEST_F(WebKitGtkPageTest, ScriptsReturnTheirValueOrTheErrorTheyThrew) {
+    server.page("/js", "<html><body><script>window.twice = (o) => ({n: o.n * 2});</script></body></html>");
+    loadAndFinish("/js");
+
+    auto [value, noError] = evaluate("twice({n: 21})");
+    EXPECT_FALSE(noError.has_value());
+    EXPECT_EQ(value, Value(Dictionary{{"n", 42u}}));
+
+    auto [nothing, missing] = evaluate("window.onReceiveDeviceInfo({});");
+    ASSERT_TRUE(missing.has_value());
+    EXPECT_EQ(missing->kind, WebError::Kind::JavaScript);
+    EXPECT_NE(missing->message.find("TypeError"), std::string::npos) << missing->message;
+
+    auto [thrown, error] = evaluate("throw new Error('boom')");
+    ASSERT_TRUE(error.has_value());
+    EXPECT_NE(error->message.find("boom"), std::string::npos) << error->message;
+}
+
+TEST_F(WebKitGtkPageTest, RemovingWebsiteDataForgetsCookiesAndStorage) {
+    ASSERT_TRUE(page->registerScriptMessageHandler("report"));
+    server.page("/set", R"(<html><body><script>
+        localStorage.setItem('k', 'v');
+        document.cookie = 'script=2; path=/; max-age=3600';
+        window.webkit.messageHandlers.report.postMessage(document.cookie);
+    </script></body></html>)",
+                {{"Set-Cookie", "server=1; Path=/; Max-Age=3600"}});
+    server.page("/check", R"(<html><body><script>
+        window.webkit.messageHandlers.report.postMessage(
+            {cookie: document.cookie, stored: localStorage.getItem('k')});
+    </script></body></html>)");
+
+    loadAndFinish("/set");
+    loadAndFinish("/check");
+    ASSERT_TRUE(pumpUntil([&] { return messages.size() == 2; }));
+    EXPECT_NE(server.lastFor("/check").cookie.find("server=1"), std::string::npos);
+    EXPECT_EQ(messages[1].body.stringAt("stored"), "v");
+
+    platform::webkitgtk::WebKitGtkWebsiteDataStore store(nullptr);
+    bool removed = false;
+    store.removeData(kit::host::WebsiteDataStore::allWebsiteDataTypes(), Date{}, [&] { removed = true; });
+    EXPECT_FALSE(removed);  // never inline
+    ASSERT_TRUE(pumpUntil([&] { return removed; }));
+
+    loadAndFinish("/check");
+    ASSERT_TRUE(pumpUntil([&] { return messages.size() == 3; }));
+    EXPECT_EQ(server.lastFor("/check").cookie, "");
+    EXPECT_EQ(messages[2].body.stringAt("cookie"), "");
+    EXPECT_TRUE(messages[2].body.find("stored")->isNull());
+}
+
+TEST(WebKitGtkWebsiteDataStoreTest, RemovalSinceAMomentAgoKeepsOlderCookies) {
+    PageServer server;
+    std::vector<std::string> cookies;
+    int finished = 0;
+    WebKitGtkPage::Callbacks callbacks;
+    callbacks.finished = [&] { ++finished; };
+    WebKitGtkPage page(std::move(callbacks));
+    server.page("/set", "<html></html>", {{"Set-Cookie", "kept=1; Path=/; Max-Age=3600"}});
+    server.page("/check", "<html></html>");
+    page.load(URLRequest{server.url("/set")});
+    ASSERT_TRUE(pumpUntil([&] { return finished == 1; }));
+
+    platform::webkitgtk::WebKitGtkWebsiteDataStore store(nullptr);
+    bool removed = false;
+    store.removeData({kit::host::WebsiteDataType::Cookies}, std::chrono::system_clock::now(),
+                     [&] { removed = true; });
+    ASSERT_TRUE(pumpUntil([&] { return removed; }));
+
+    page.load(URLRequest{server.url("/check")});
+    ASSERT_TRUE(pumpUntil([&] { return finished == 2; }));
+    EXPECT_EQ(server.lastFor("/check").cookie, "kept=1");
+}
+
+}  // namespace
+}  // namespace ovix::test
