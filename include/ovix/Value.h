@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <iosfwd>
@@ -31,6 +32,11 @@ class Value {
   public:
     enum class Kind { Null, Bool, Int, UInt, Double, String, Date, Array, Object };
 
+    /// The deepest nesting of arrays and objects any conversion into a value accepts (JSON text,
+    /// property lists, catalogs, page messages). Deeper input is refused as a whole, so that no
+    /// input can exhaust the stack of the thread converting it.
+    static constexpr std::size_t maxNestingDepth = 256;
+
     Value() = default;
     Value(std::nullptr_t) {}
     Value(bool b) : data_(b) {}
@@ -52,7 +58,8 @@ class Value {
     Value(Value&& other) noexcept = default;
     Value& operator=(const Value& other);
     Value& operator=(Value&& other) noexcept = default;
-    ~Value() = default;
+    /// Frees nested arrays and objects without recursing, however deep the value.
+    ~Value();
 
     Kind kind() const;
     bool isNull() const { return kind() == Kind::Null; }
@@ -73,8 +80,9 @@ class Value {
     /// The string under `key` of an object, or nullopt when absent or not a string.
     std::optional<std::string> stringAt(std::string_view key) const;
 
-    /// Parses JSON text. Returns nullopt for text that is not JSON (truncated, trailing garbage,
-    /// invalid UTF-8). Integers that fit become Int (negative) or UInt (non-negative) — a JSON
+    /// Parses JSON text straight into a value (no intermediate document). Returns nullopt for text
+    /// that is not JSON (truncated, trailing garbage, invalid UTF-8) or that nests arrays and objects
+    /// deeper than `maxNestingDepth`. Integers that fit become Int (negative) or UInt (non-negative) — a JSON
     /// number without fraction or exponent that fits in 64 bits; other numbers become Double.
     static std::optional<Value> fromJson(std::string_view text);
     /// Compact JSON text (no spaces, keys in the map's order). A Date is written as seconds since
@@ -86,6 +94,8 @@ class Value {
   private:
     using Storage = std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string, Date,
                                  std::shared_ptr<Array>, std::shared_ptr<Dictionary>>;
+    static bool ownsContainer(const Storage& data);
+
     Storage data_;
 };
 

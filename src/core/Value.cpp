@@ -1,5 +1,6 @@
 #include "ovix/Value.h"
 
+#include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <ostream>
@@ -27,6 +28,41 @@ Value& Value::operator=(const Value& other) {
         data_ = other.data_;
     }
     return *this;
+}
+
+// A container this value holds; moved-from containers hold null.
+bool Value::ownsContainer(const Storage& data) {
+    if (auto* a = std::get_if<std::shared_ptr<Array>>(&data)) {
+        return *a != nullptr;
+    }
+    auto* d = std::get_if<std::shared_ptr<Dictionary>>(&data);
+    return d != nullptr && *d != nullptr;
+}
+
+Value::~Value() {
+    if (!ownsContainer(data_)) {
+        return;
+    }
+    // Children that are containers move to a work list before their parent goes, so each container
+    // is destroyed holding only leaves: the call stack stays one level deep at any nesting.
+    std::vector<Storage> pending;
+    pending.push_back(std::move(data_));
+    while (!pending.empty()) {
+        Storage current = std::move(pending.back());
+        pending.pop_back();
+        auto collect = [&pending](Value& child) {
+            if (ownsContainer(child.data_)) {
+                pending.push_back(std::move(child.data_));
+            }
+        };
+        if (auto* a = std::get_if<std::shared_ptr<Array>>(&current); a && a->use_count() == 1) {
+            std::for_each((*a)->begin(), (*a)->end(), collect);
+        } else if (auto* d = std::get_if<std::shared_ptr<Dictionary>>(&current); d && d->use_count() == 1) {
+            for (auto& member : **d) {
+                collect(member.second);
+            }
+        }
+    }
 }
 
 Value::Kind Value::kind() const {
@@ -111,41 +147,64 @@ std::optional<std::string> Value::stringAt(std::string_view key) const {
 
 namespace {
 
-Value fromNlohmann(const nlohmann::json& j) {
-    switch (j.type()) {
-        case nlohmann::json::value_t::null:
-        case nlohmann::json::value_t::discarded:
-            return Value();
-        case nlohmann::json::value_t::boolean:
-            return Value(j.get<bool>());
-        case nlohmann::json::value_t::number_integer:
-            return Value(static_cast<long long>(j.get<std::int64_t>()));
-        case nlohmann::json::value_t::number_unsigned:
-            return Value(static_cast<unsigned long long>(j.get<std::uint64_t>()));
-        case nlohmann::json::value_t::number_float:
-            return Value(j.get<double>());
-        case nlohmann::json::value_t::string:
-            return Value(j.get_ref<const std::string&>());
-        case nlohmann::json::value_t::array: {
-            Array a;
-            a.reserve(j.size());
-            for (const auto& e : j) {
-                a.push_back(fromNlohmann(e));
-            }
-            return Value(std::move(a));
-        }
-        case nlohmann::json::value_t::object: {
-            Dictionary d;
-            for (auto it = j.begin(); it != j.end(); ++it) {
-                d.emplace(it.key(), fromNlohmann(it.value()));
-            }
-            return Value(std::move(d));
-        }
-        case nlohmann::json::value_t::binary:
-            return Value();
+// Builds a value from the parser's events, one container per open bracket, so that no document is
+// made on the way and the nesting is bounded before anything deep is built.
+class ValueBuilder {
+  public:
+    using json = nlohmann::json;
+
+    std::optional<Value> take() { return std::move(root_); }
+
+    bool null() { return add(Value()); }
+    bool boolean(bool b) { return add(Value(b)); }
+    bool number_integer(json::number_integer_t i) { return add(Value(static_cast<long long>(i))); }
+    bool number_unsigned(json::number_unsigned_t u) { return add(Value(static_cast<unsigned long long>(u))); }
+    bool number_float(json::number_float_t d, const json::string_t&) { return add(Value(d)); }
+    bool string(json::string_t& s) { return add(Value(std::move(s))); }
+    bool binary(json::binary_t&) { return add(Value()); }
+    bool start_object(std::size_t) { return open(Value(Dictionary{})); }
+    bool start_array(std::size_t) { return open(Value(Array{})); }
+    bool key(json::string_t& k) {
+        keys_.back() = std::move(k);
+        return true;
     }
-    return Value();
-}
+    bool end_object() { return close(); }
+    bool end_array() { return close(); }
+    bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) { return false; }
+
+  private:
+    bool open(Value container) {
+        if (open_.size() >= Value::maxNestingDepth) {
+            return false;
+        }
+        open_.push_back(std::move(container));
+        keys_.emplace_back();
+        return true;
+    }
+
+    bool close() {
+        Value done = std::move(open_.back());
+        open_.pop_back();
+        keys_.pop_back();
+        return add(std::move(done));
+    }
+
+    bool add(Value v) {
+        if (open_.empty()) {
+            root_ = std::move(v);
+        } else if (auto* array = open_.back().asArray()) {
+            array->push_back(std::move(v));
+        } else {
+            // A repeated key keeps its last value.
+            open_.back().asObject()->insert_or_assign(std::move(keys_.back()), std::move(v));
+        }
+        return true;
+    }
+
+    std::vector<Value> open_;
+    std::vector<std::string> keys_;
+    std::optional<Value> root_;
+};
 
 nlohmann::json toNlohmann(const Value& v) {
     switch (v.kind()) {
@@ -188,11 +247,11 @@ nlohmann::json toNlohmann(const Value& v) {
 }  // namespace
 
 std::optional<Value> Value::fromJson(std::string_view text) {
-    auto parsed = nlohmann::json::parse(text.begin(), text.end(), nullptr, /*allow_exceptions=*/false);
-    if (parsed.is_discarded()) {
+    ValueBuilder builder;
+    if (!nlohmann::json::sax_parse(text.begin(), text.end(), &builder)) {
         return std::nullopt;
     }
-    return fromNlohmann(parsed);
+    return builder.take();
 }
 
 std::string Value::toJson() const {

@@ -75,3 +75,36 @@ TEST(Value, DatesAreTheirOwnKindAndSerialiseAsSeconds) {
     EXPECT_EQ(Value(Dictionary{{"s", Value("x")}}).stringAt("s"), "x");
     EXPECT_FALSE(Value(Dictionary{{"s", Value(1)}}).stringAt("s"));
 }
+
+TEST(Value, NestingBeyondTheLimitIsRefusedAndNeverExhaustsTheStack) {
+    auto nested = [](std::size_t depth, char open, char close) {
+        return std::string(depth, open) + std::string(depth, close);
+    };
+    const std::size_t limit = Value::maxNestingDepth;
+    EXPECT_TRUE(Value::fromJson(nested(limit, '[', ']')));
+    EXPECT_FALSE(Value::fromJson(nested(limit + 1, '[', ']')));
+    EXPECT_FALSE(Value::fromJson(nested(100000, '[', ']')));
+    std::string objects;
+    for (std::size_t i = 0; i < 100000; ++i) {
+        objects += "{\"a\":";
+    }
+    EXPECT_FALSE(Value::fromJson(objects + "1" + std::string(100000, '}')));
+
+    // A value built in code may nest without limit; destroying it must not recurse.
+    Value deep;
+    for (int i = 0; i < 300000; ++i) {
+        if (i % 2) {
+            Array a;
+            a.push_back(std::move(deep));
+            deep = Value(std::move(a));
+        } else {
+            Dictionary d;
+            d.emplace("k", std::move(deep));
+            deep = Value(std::move(d));
+        }
+    }
+}
+
+TEST(Value, RepeatedKeysKeepTheLastValue) {
+    EXPECT_EQ(Value::fromJson(R"({"a":1,"a":[2]})"), Value(Dictionary{{"a", Value(Array{Value(2u)})}}));
+}

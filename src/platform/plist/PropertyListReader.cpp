@@ -1,5 +1,7 @@
 #include "platform/plist/PropertyListReader.h"
 
+#include "platform/plist/PropertyListNesting.h"
+
 #include <plist/plist.h>
 
 #include <cstdint>
@@ -28,7 +30,46 @@ struct CFree {
 };
 using CString = std::unique_ptr<char, CFree>;
 
-Value toValue(plist_t node) {
+std::optional<Value> toValue(plist_t node, std::size_t depth);
+
+std::optional<Value> arrayValue(plist_t node, std::size_t depth) {
+    Array out;
+    const std::uint32_t n = plist_array_get_size(node);
+    out.reserve(n);
+    for (std::uint32_t i = 0; i < n; ++i) {
+        auto item = toValue(plist_array_get_item(node, i), depth);
+        if (!item) {
+            return std::nullopt;
+        }
+        out.push_back(std::move(*item));
+    }
+    return Value(std::move(out));
+}
+
+std::optional<Value> dictValue(plist_t node, std::size_t depth) {
+    Dictionary out;
+    plist_dict_iter it = nullptr;
+    plist_dict_new_iter(node, &it);
+    std::unique_ptr<void, decltype(&std::free)> iterator(it, &std::free);
+    for (;;) {
+        char* rawKey = nullptr;
+        plist_t item = nullptr;
+        plist_dict_next_item(node, it, &rawKey, &item);
+        CString key(rawKey);
+        if (!item) {
+            break;
+        }
+        auto value = toValue(item, depth);
+        if (!value) {
+            return std::nullopt;
+        }
+        out.insert_or_assign(std::string(key ? key.get() : ""), std::move(*value));
+    }
+    return Value(std::move(out));
+}
+
+// `depth` counts the arrays and dictionaries around `node`; deeper than a value may nest is refused.
+std::optional<Value> toValue(plist_t node, std::size_t depth) {
     switch (plist_get_node_type(node)) {
         case PLIST_BOOLEAN: {
             std::uint8_t b = 0;
@@ -56,10 +97,10 @@ Value toValue(plist_t node) {
             return Value(d);
         }
         case PLIST_STRING: {
-            char* raw = nullptr;
-            plist_get_string_val(node, &raw);
-            CString s(raw);
-            return Value(std::string(s ? s.get() : ""));
+            // By pointer and length: the string may hold a NUL byte.
+            std::uint64_t length = 0;
+            const char* text = plist_get_string_ptr(node, &length);
+            return Value(text ? std::string(text, length) : std::string());
         }
         case PLIST_DATA: {
             char* raw = nullptr;
@@ -75,32 +116,13 @@ Value toValue(plist_t node) {
                 std::chrono::seconds(kPlistEpochInUnixSeconds + sec) + std::chrono::microseconds(usec);
             return Value(Date(std::chrono::duration_cast<Date::duration>(since)));
         }
-        case PLIST_ARRAY: {
-            Array out;
-            const std::uint32_t n = plist_array_get_size(node);
-            out.reserve(n);
-            for (std::uint32_t i = 0; i < n; ++i) {
-                out.push_back(toValue(plist_array_get_item(node, i)));
+        case PLIST_ARRAY:
+        case PLIST_DICT:
+            if (depth >= Value::maxNestingDepth) {
+                return std::nullopt;
             }
-            return Value(std::move(out));
-        }
-        case PLIST_DICT: {
-            Dictionary out;
-            plist_dict_iter it = nullptr;
-            plist_dict_new_iter(node, &it);
-            std::unique_ptr<void, decltype(&std::free)> iterator(it, &std::free);
-            for (;;) {
-                char* rawKey = nullptr;
-                plist_t item = nullptr;
-                plist_dict_next_item(node, it, &rawKey, &item);
-                CString key(rawKey);
-                if (!item) {
-                    break;
-                }
-                out.insert_or_assign(std::string(key ? key.get() : ""), toValue(item));
-            }
-            return Value(std::move(out));
-        }
+            return plist_get_node_type(node) == PLIST_ARRAY ? arrayValue(node, depth + 1)
+                                                            : dictValue(node, depth + 1);
         default:
             return Value();
     }
@@ -112,13 +134,18 @@ std::optional<Value> PropertyListReader::parse(std::string_view bytes) {
     if (bytes.empty() || bytes.size() > kMaxFileSize) {
         return std::nullopt;
     }
+    // libplist recurses once per level while parsing: measure first, and refuse what nests too deep.
+    auto depth = PropertyListNesting::measure(bytes, Value::maxNestingDepth);
+    if (!depth || *depth > Value::maxNestingDepth) {
+        return std::nullopt;
+    }
     plist_t root = nullptr;
     plist_from_memory(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &root);
     PlistPtr owned(root);
     if (!root) {
         return std::nullopt;
     }
-    return toValue(root);
+    return toValue(root, 0);
 }
 
 std::optional<Value> PropertyListReader::readFile(const std::filesystem::path& path) {
