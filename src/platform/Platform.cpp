@@ -1,6 +1,7 @@
 #include "ovix/platform/Platform.h"
 
 #include <atomic>
+#include <utility>
 
 namespace ovix::platform {
 
@@ -31,14 +32,27 @@ const Bundle& Platform::sdkBundle() const {
 }
 
 void install(std::shared_ptr<Platform> platform) {
-    std::lock_guard lock(slotMutex());
-    slot() = std::move(platform);
+    std::shared_ptr<Platform> replaced;
+    {
+        std::lock_guard lock(slotMutex());
+        replaced = std::exchange(slot(), std::move(platform));
+    }
+    // Released outside the lock: tearing services down may wait for threads that call current().
 }
 
 std::shared_ptr<Platform> current() {
+    {
+        std::lock_guard lock(slotMutex());
+        if (slot()) {
+            return slot();
+        }
+    }
+    // Built outside the lock, for the same reason; should two threads race here, one default wins
+    // and the other is released, again outside the lock.
+    auto made = makeDefault();
     std::lock_guard lock(slotMutex());
     if (!slot()) {
-        slot() = makeDefault();
+        slot() = std::move(made);
     }
     return slot();
 }

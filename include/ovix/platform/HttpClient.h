@@ -30,7 +30,9 @@ struct HttpResponse {
     std::string body;
 };
 
-/// Exactly one of `response` or `error` is set. Any status is a response; redirects are followed.
+/// Exactly one of `response` or `error` is set. Any status is a response. Redirects are followed
+/// only within the request's origin (scheme, host and port); a redirect to another origin, or from
+/// HTTPS to HTTP, ends the request with an error and nothing is sent there.
 struct HttpResult {
     std::optional<HttpResponse> response;
     std::optional<std::string> error;  ///< a readable description of the transport failure
@@ -40,8 +42,10 @@ struct HttpResult {
 ///
 /// Threading: `send` may be called from any thread and returns at once. The completion runs exactly
 /// once, on the transport's callback thread: never inline inside `send`, never while the transport
-/// holds a lock. Destroying the client cancels what is in flight; no completion runs after the
-/// destructor has returned. TLS certificates are always verified.
+/// holds a lock. A request in flight keeps a client held by `std::shared_ptr` alive until its
+/// completion has run, so replacing the platform loses no answer. A client destroyed anyway
+/// completes whatever is pending with an error before its destructor returns: no completion is
+/// dropped, none runs after. TLS certificates are always verified.
 class HttpClient {
   public:
     using Completion = std::function<void(HttpResult)>;

@@ -59,8 +59,13 @@ struct Platform {
     mutable std::optional<Bundle> sdkBundle_;
 };
 
-/// Installs the platform every later call uses. Call before first use of the SDK; a platform that is
-/// replaced stays alive while anything still holds it.
+/// Installs the platform every later call uses. Call before first use of the SDK.
+///
+/// Lifetime rule: a platform that is replaced stays alive while anything still holds it, and work
+/// already started finishes on the services it started with: every request holds what it needs
+/// (its client, console, queue) until its completion has run, and each completion runs exactly once.
+/// The replaced platform is released outside the registry's lock, so its services may wait for
+/// threads that are calling `current()` at that moment.
 void install(std::shared_ptr<Platform> platform);
 /// The installed platform; on first call without an install, the build's default platform.
 std::shared_ptr<Platform> current();

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cctype>
 #include <cmath>
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <utility>
@@ -36,6 +37,31 @@ std::string_view trim(std::string_view text) {
     return text;
 }
 
+constexpr int kMaxRedirects = 16;
+
+// Scheme, host and port (the scheme's default when none is written), lower-cased; empty when the
+// URL does not parse.
+std::string originOf(const char* url) {
+    CURLU* handle = curl_url();
+    std::string origin;
+    if (handle != nullptr && curl_url_set(handle, CURLUPART_URL, url, 0) == CURLUE_OK) {
+        for (auto part : {CURLUPART_SCHEME, CURLUPART_HOST, CURLUPART_PORT}) {
+            char* text = nullptr;
+            if (curl_url_get(handle, part, &text, CURLU_DEFAULT_PORT) != CURLUE_OK) {
+                origin.clear();
+                break;
+            }
+            origin += text;
+            origin += '|';
+            curl_free(text);
+        }
+    }
+    curl_url_cleanup(handle);
+    std::transform(origin.begin(), origin.end(), origin.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return origin;
+}
+
 void initialiseCurlOnce() {
     static const CURLcode code = curl_global_init(CURL_GLOBAL_DEFAULT);
     (void)code;
@@ -45,6 +71,9 @@ void initialiseCurlOnce() {
 struct Transfer {
     HttpRequest request;
     HttpClient::Completion completion;
+    std::shared_ptr<HttpClient> keepAlive;  ///< the client, while this request is in flight
+    int redirects = 0;
+    std::string refusal;  ///< why the request was ended without an answer, when it was
     CURL* easy = nullptr;
     curl_slist* headerList = nullptr;
     HttpResponse response;
@@ -129,9 +158,7 @@ struct Transfer {
         set(CURLOPT_NOSIGNAL, 1L);
         set(CURLOPT_URL, r.url.c_str());
         set(CURLOPT_PROTOCOLS_STR, "http,https");
-        set(CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
-        set(CURLOPT_FOLLOWLOCATION, 1L);
-        set(CURLOPT_MAXREDIRS, 16L);
+        set(CURLOPT_FOLLOWLOCATION, 0L);  // followed by the engine, within the origin only
         set(CURLOPT_SSL_VERIFYPEER, 1L);
         set(CURLOPT_SSL_VERIFYHOST, 2L);
         if (!options.caBundlePath.empty()) {
@@ -165,7 +192,9 @@ struct Transfer {
 
     HttpResult result(CURLcode code) {
         HttpResult out;
-        if (code == CURLE_OK) {
+        if (!refusal.empty()) {
+            out.error = refusal;
+        } else if (code == CURLE_OK) {
             long status = 0;
             curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
             response.status = status;
@@ -222,19 +251,89 @@ struct CurlHttpClient::Engine {
             curl_multi_perform(multi, &active);
             collect(finished);
             for (auto& transfer : finished) {
-                if (stopping.load()) {
-                    return;
+                if (!follow(transfer)) {
+                    deliver(std::move(transfer));
                 }
-                deliver(std::move(transfer));
             }
             finished.clear();
             if (!stopping.load()) {
                 curl_multi_poll(multi, nullptr, 0, 10000, nullptr);
             }
         }
+        cancelPending();
     }
 
   private:
+    // The client is going away: whatever is left ends with an error, here on the worker, including
+    // requests those completions send.
+    void cancelPending() {
+        for (;;) {
+            std::vector<std::unique_ptr<Transfer>> left;
+            for (auto& [easy, transfer] : running) {
+                curl_multi_remove_handle(multi, easy);
+                left.push_back(std::move(transfer));
+            }
+            running.clear();
+            {
+                std::lock_guard lock(mutex);
+                std::move(queued.begin(), queued.end(), std::back_inserter(left));
+                queued.clear();
+            }
+            if (left.empty()) {
+                return;
+            }
+            for (auto& transfer : left) {
+                transfer->refusal = "The HTTP client was destroyed before the request finished";
+                deliver(std::move(transfer));
+            }
+        }
+    }
+
+    // A redirect within the request's origin is sent again from here; one that leaves the origin
+    // (another host or port, or HTTPS to HTTP) ends the request, so nothing reaches the other origin.
+    // True when the transfer was sent on.
+    bool follow(std::unique_ptr<Transfer>& transfer) {
+        long status = 0;
+        char* target = nullptr;
+        if (transfer->done != CURLE_OK || transfer->easy == nullptr ||
+            curl_easy_getinfo(transfer->easy, CURLINFO_RESPONSE_CODE, &status) != CURLE_OK || status < 300 ||
+            status > 399 || curl_easy_getinfo(transfer->easy, CURLINFO_REDIRECT_URL, &target) != CURLE_OK ||
+            target == nullptr) {
+            return false;
+        }
+        const std::string origin = originOf(transfer->request.url.c_str());
+        if (origin.empty() || origin != originOf(target)) {
+            transfer->refusal = "Refused a redirect to another origin: " + std::string(target);
+            return false;
+        }
+        if (++transfer->redirects > kMaxRedirects) {
+            transfer->refusal = "More than " + std::to_string(kMaxRedirects) + " redirects";
+            return false;
+        }
+        auto next = std::make_unique<Transfer>();
+        next->request = std::move(transfer->request);
+        next->request.url = target;
+        // As browsers do: 303, and 301/302 after a POST, continue as a GET without the body.
+        if (status == 303 || ((status == 301 || status == 302) && next->request.method == "POST")) {
+            next->request.method = "GET";
+            next->request.body.clear();
+        }
+        next->completion = std::move(transfer->completion);
+        next->keepAlive = std::move(transfer->keepAlive);
+        next->redirects = transfer->redirects;
+        recycle(*transfer);
+        std::lock_guard lock(mutex);
+        queued.push_back(std::move(next));
+        return true;
+    }
+
+    void recycle(Transfer& transfer) {
+        if (transfer.easy != nullptr && spare.size() < kSpareHandles) {
+            curl_easy_reset(transfer.easy);
+            spare.push_back(std::exchange(transfer.easy, nullptr));
+        }
+    }
+
     void start(std::vector<std::unique_ptr<Transfer>>& finished) {
         std::vector<std::unique_ptr<Transfer>> batch;
         {
@@ -282,14 +381,13 @@ struct CurlHttpClient::Engine {
     }
 
     // The transfer (its body) is released before the completion runs; its handle is kept for the
-    // next request.
+    // next request. The client stays alive until the completion has returned: it may be the last
+    // holder, and the client's destructor then runs here, on the worker.
     void deliver(std::unique_ptr<Transfer> transfer) {
         auto completion = std::move(transfer->completion);
+        auto keepAlive = std::move(transfer->keepAlive);
         auto result = transfer->result(transfer->done);
-        if (transfer->easy != nullptr && spare.size() < kSpareHandles) {
-            curl_easy_reset(transfer->easy);
-            spare.push_back(std::exchange(transfer->easy, nullptr));
-        }
+        recycle(*transfer);
         transfer.reset();
         completion(std::move(result));
     }
@@ -319,6 +417,7 @@ void CurlHttpClient::send(HttpRequest request, Completion completion) {
     auto transfer = std::make_unique<Transfer>();
     transfer->request = std::move(request);
     transfer->completion = std::move(completion);
+    transfer->keepAlive = weak_from_this().lock();
     {
         std::lock_guard lock(engine_->mutex);
         engine_->queued.push_back(std::move(transfer));

@@ -15,10 +15,11 @@ namespace ovix::platform {
 /// the worker thread, one at a time, holding no lock; a completion may send again, and may even drop
 /// the last reference to the client.
 ///
-/// Destruction cancels whatever is queued or in flight without calling its completion (the callable
-/// is destroyed unrun) and waits for a completion that is running on the worker at that moment, so
-/// that none runs after the destructor has returned.
-class CurlHttpClient : public HttpClient {
+/// A request keeps the client alive (when a `std::shared_ptr` owns it) until its completion has run.
+/// Redirects are followed by sending again, and only within the request's origin.
+/// Destruction ends whatever is still queued or in flight with an error, on the worker, and waits
+/// for those completions, so that each runs once and none after the destructor has returned.
+class CurlHttpClient : public HttpClient, public std::enable_shared_from_this<CurlHttpClient> {
   public:
     struct Options {
         /// PEM file of the certification authorities to trust instead of the system's; empty for the

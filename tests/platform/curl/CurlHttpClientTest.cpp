@@ -112,32 +112,42 @@ TEST_F(CurlClient, FailuresAreErrors) {
     EXPECT_EQ(exchange(over).response.value().body.size(), 5000u);
 }
 
-TEST_F(CurlClient, TeardownWithRequestsInFlightRunsNoCompletion) {
+TEST_F(CurlClient, EveryCompletionRunsOnceWhateverHappensToTheClient) {
     server.on("/stall", LoopbackServer::Reply{200, "", "text/plain", true});
-    auto doomed = std::make_unique<CurlHttpClient>();
-    std::atomic<int> completed{0};
-    auto token = std::make_shared<int>(0);
-    std::weak_ptr<int> captured = token;
+    // A client the caller owns outright ends what is pending with an error before it is gone.
+    auto owned = std::make_unique<CurlHttpClient>();
+    std::atomic<int> failed{0};
     for (int i = 0; i < 3; ++i) {
-        doomed->send(request("/stall"), [&completed, token](HttpResult) { ++completed; });
+        owned->send(request("/stall"), [&failed](HttpResult r) { failed += r.error ? 1 : 100; });
     }
-    token.reset();
     ASSERT_TRUE(server.waitForRequests(3));
-    doomed.reset();  // returns with three answers outstanding
-    server.releaseStalled();
-    EXPECT_EQ(completed.load(), 0);
-    EXPECT_TRUE(captured.expired()) << "the unrun completions were destroyed";
+    owned.reset();
+    EXPECT_EQ(failed.load(), 3);
 
-    // Dropping the last reference from inside its own completion is safe too.
-    server.on("/x", LoopbackServer::Reply{200, "x"});
-    auto self = std::make_shared<std::shared_ptr<CurlHttpClient>>(std::make_shared<CurlHttpClient>());
-    std::weak_ptr<CurlHttpClient> watch = *self;
-    std::promise<void> done;
-    (*self)->send(request("/x"), [&done, self](HttpResult) {
-        self->reset();
-        done.set_value();
-    });
-    ASSERT_EQ(done.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+    // A shared client lives on while its requests are in flight (a replaced platform loses no answer).
+    server.reset();
+    server.on("/stall", LoopbackServer::Reply{200, "", "text/plain", true});
+    auto shared = std::make_shared<CurlHttpClient>();
+    std::weak_ptr<CurlHttpClient> watch = shared;
+    std::atomic<int> answered{0};
+    std::promise<void> all;
+    for (int i = 0; i < 3; ++i) {
+        shared->send(request("/stall"), [&answered, &all](HttpResult r) {
+            if (r.response && r.response->status == 503 && ++answered == 3) {  // how stalls end
+                all.set_value();
+            }
+        });
+    }
+    ASSERT_TRUE(server.waitForRequests(3));
+    shared.reset();
+    EXPECT_FALSE(watch.expired());
+    server.releaseStalled();
+    ASSERT_EQ(all.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+
+    // The last request dropped the last reference, on the client's own worker: it goes, cleanly.
+    for (int i = 0; i < 2000 && !watch.expired(); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
     EXPECT_TRUE(watch.expired());
 }
 

@@ -1,0 +1,46 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <future>
+#include <thread>
+
+#include "ovix/testing/HeadlessPlatform.h"
+
+namespace {
+
+using namespace ovix;
+using ovix::testing::HeadlessPlatform;
+
+// A service whose teardown waits for another thread that asks the registry for the platform, as a
+// transport joining a worker that is inside a completion does.
+class ConsoleJoiningAReader : public platform::Console {
+  public:
+    ~ConsoleJoiningAReader() override {
+        std::thread reader([] { (void)platform::current(); });
+        reader.join();
+    }
+    void printLine(std::string_view) override {}
+};
+
+}  // namespace
+
+TEST(PlatformRegistry, AReplacedPlatformIsReleasedOutsideTheRegistryLock) {
+    auto first = HeadlessPlatform::create();
+    first.platform->console = std::make_shared<ConsoleJoiningAReader>();
+    first.install();
+    auto second = HeadlessPlatform::create();
+    std::weak_ptr<platform::Platform> replaced = first.platform;
+    first.platform.reset();
+
+    // Held under the lock, the old console's teardown would wait forever for its reader; the
+    // installing thread is let go so that such a failure is reported rather than hung on.
+    auto installed = std::make_shared<std::promise<void>>();
+    auto done = installed->get_future();
+    std::thread([installed, platform = second.platform] {
+        platform::install(platform);
+        installed->set_value();
+    }).detach();
+    ASSERT_EQ(done.wait_for(std::chrono::seconds(20)), std::future_status::ready);
+    EXPECT_TRUE(replaced.expired());
+    EXPECT_EQ(platform::current(), second.platform);
+}
