@@ -5,7 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 namespace ovix::platform {
@@ -15,17 +17,27 @@ namespace fs = std::filesystem;
 namespace {
 
 // Creates the file owner-only before SQLite sees it; SQLite gives its -wal and -shm files the
-// database file's permissions.
-bool createPrivateFile(const fs::path& file) {
+// database file's permissions. 0 or the errno of the failure.
+int createPrivateFile(const fs::path& file) {
     std::error_code ec;
     fs::create_directories(file.parent_path(), ec);
     int fd = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (fd < 0) {
-        return false;
+        return errno;
     }
     ::fchmod(fd, 0600);
     ::close(fd);
-    return true;
+    return 0;
+}
+
+// Why SQLite could not set the file up for writing: most often the folder, where the write-ahead
+// log must be created.
+std::string whyNotWritable(const fs::path& file, const char* sqliteMessage) {
+    const fs::path folder = file.parent_path().empty() ? fs::path(".") : file.parent_path();
+    if (::access(folder.c_str(), W_OK) != 0) {
+        return "the folder " + folder.string() + " is not writable (" + std::strerror(errno) + ")";
+    }
+    return sqliteMessage;
 }
 
 // An empty string_view may carry a null pointer, which SQLite would bind as NULL, not as "".
@@ -55,18 +67,30 @@ fs::path SqliteKeyValueStore::defaultPath() {
 
 SqliteKeyValueStore::SqliteKeyValueStore(fs::path file, std::shared_ptr<Console> console)
     : file_(std::move(file)), console_(std::move(console)) {
-    if (!createPrivateFile(file_)) {
-        fail("cannot create the store file");
+    std::string why;
+    if (int error = createPrivateFile(file_); error != 0) {
+        why = std::strerror(error);
+        if (!fs::exists(file_)) {
+            fail("cannot create the store file (" + why + ")");
+            return;
+        }
+    } else {
+        why = openReadWrite();
+        if (why.empty()) {
+            return;
+        }
+    }
+    // Committed values stay readable; writes are refused with the cause.
+    readOnlyReason_ = "read-only: " + why;
+    if (!openReadOnly()) {
+        fail("cannot open the store file (" + why + ")");
         return;
     }
-    int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_FULLMUTEX;
-    if (sqlite3_open_v2(file_.c_str(), &db_, flags, nullptr) != SQLITE_OK) {
-        fail(db_ ? sqlite3_errmsg(db_) : "cannot open the store");
-        sqlite3_close(db_);
-        db_ = nullptr;
-        return;
-    }
-    sqlite3_busy_timeout(db_, 5000);
+    fail("opened " + readOnlyReason_ + "; changes will not be saved");
+}
+
+std::string SqliteKeyValueStore::openReadWrite() {
+    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_FULLMUTEX;
     // WAL: a commit is one append to the log, so a killed writer never tears a value.
     // synchronous=NORMAL is durable against a killed process (not against power loss), which is
     // what a game's preferences need.
@@ -74,26 +98,61 @@ SqliteKeyValueStore::SqliteKeyValueStore(fs::path file, std::shared_ptr<Console>
         "PRAGMA journal_mode=WAL;"
         "PRAGMA synchronous=NORMAL;"
         "CREATE TABLE IF NOT EXISTS kv (key TEXT PRIMARY KEY NOT NULL, value NOT NULL) WITHOUT ROWID;";
-    if (sqlite3_exec(db_, setup, nullptr, nullptr, nullptr) != SQLITE_OK) {
-        fail(sqlite3_errmsg(db_));
-        sqlite3_close(db_);
-        db_ = nullptr;
-        return;
+    if (sqlite3_open_v2(file_.c_str(), &db_, flags, nullptr) == SQLITE_OK) {
+        sqlite3_busy_timeout(db_, 5000);
+        if (sqlite3_exec(db_, setup, nullptr, nullptr, nullptr) == SQLITE_OK && prepareStatements()) {
+            return {};
+        }
     }
+    std::string why = whyNotWritable(file_, db_ ? sqlite3_errmsg(db_) : "cannot open the store");
+    closeDatabase();
+    return why;
+}
+
+bool SqliteKeyValueStore::openReadOnly() {
+    // A read-only folder cannot hold the log's shared-memory file: then the file is read as it
+    // stands, as an immutable database.
+    for (const std::string& name :
+         {"file:" + file_.string() + "?mode=ro", "file:" + file_.string() + "?immutable=1"}) {
+        const int flags = SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_FULLMUTEX;
+        if (sqlite3_open_v2(name.c_str(), &db_, flags, nullptr) == SQLITE_OK && prepareStatements() &&
+            sqlite3_step(select_) != SQLITE_ERROR) {
+            sqlite3_reset(select_);
+            return true;
+        }
+        closeDatabase();
+    }
+    return false;
+}
+
+bool SqliteKeyValueStore::prepareStatements() {
     select_ = prepare("SELECT value FROM kv WHERE key = ?1");
     upsert_ =
         prepare("INSERT INTO kv (key, value) VALUES (?1, ?2) ON CONFLICT(key) DO UPDATE SET value = ?2");
     delete_ = prepare("DELETE FROM kv WHERE key = ?1");
-    if (!select_ || !upsert_ || !delete_) {
-        fail(sqlite3_errmsg(db_));
-    }
+    return select_ && upsert_ && delete_;
 }
 
-SqliteKeyValueStore::~SqliteKeyValueStore() {
+void SqliteKeyValueStore::closeDatabase() {
     sqlite3_finalize(select_);
     sqlite3_finalize(upsert_);
     sqlite3_finalize(delete_);
+    select_ = upsert_ = delete_ = nullptr;
     sqlite3_close(db_);
+    db_ = nullptr;
+}
+
+SqliteKeyValueStore::~SqliteKeyValueStore() {
+    closeDatabase();
+}
+
+// Whether a write may go ahead; a store opened read-only says why it drops the write.
+bool SqliteKeyValueStore::writable(std::string_view key) const {
+    if (!readOnlyReason_.empty()) {
+        fail("cannot save \"" + std::string(key) + "\": the store is " + readOnlyReason_);
+        return false;
+    }
+    return upsert_ != nullptr;
 }
 
 sqlite3_stmt* SqliteKeyValueStore::prepare(const char* sql) {
@@ -143,7 +202,7 @@ std::optional<std::int64_t> SqliteKeyValueStore::integer(std::string_view key) c
 
 void SqliteKeyValueStore::setString(std::string_view key, std::string_view value) {
     std::lock_guard lock(mutex_);
-    if (!upsert_) {
+    if (!writable(key)) {
         return;
     }
     bindText(upsert_, 1, key);
@@ -157,7 +216,7 @@ void SqliteKeyValueStore::setString(std::string_view key, std::string_view value
 
 void SqliteKeyValueStore::setInteger(std::string_view key, std::int64_t value) {
     std::lock_guard lock(mutex_);
-    if (!upsert_) {
+    if (!writable(key)) {
         return;
     }
     bindText(upsert_, 1, key);
@@ -171,7 +230,7 @@ void SqliteKeyValueStore::setInteger(std::string_view key, std::int64_t value) {
 
 void SqliteKeyValueStore::remove(std::string_view key) {
     std::lock_guard lock(mutex_);
-    if (!delete_) {
+    if (!writable(key)) {
         return;
     }
     bindText(delete_, 1, key);

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <mutex>
+#include <string>
 
 #include "ovix/platform/Console.h"
 #include "ovix/platform/KeyValueStore.h"
@@ -16,8 +17,11 @@ namespace ovix::platform {
 ///
 /// Each write is its own transaction in write-ahead-log mode: a process killed at any moment leaves
 /// every committed value intact and the file readable. The file and its companions are created with
-/// mode 0600. One connection, serialised by a mutex: safe from any thread. A store that cannot open
-/// its file prints one line and then reads as empty and drops writes (they are fire-and-forget).
+/// mode 0600. One connection, serialised by a mutex: safe from any thread.
+/// A store whose file or folder cannot be written opens read-only: committed values stay readable,
+/// one console line names the cause, and each write is dropped with a line saying why (writes are
+/// fire-and-forget); nothing on disk changes. A store that cannot open its file at all prints one
+/// line and reads as empty.
 class SqliteKeyValueStore : public KeyValueStore {
   public:
     /// `console` receives the failure lines; may be null.
@@ -38,6 +42,12 @@ class SqliteKeyValueStore : public KeyValueStore {
     bool isOpen() const { return db_ != nullptr; }
 
   private:
+    /// "" once open for writing; otherwise why not, with everything closed again.
+    std::string openReadWrite();
+    bool openReadOnly();
+    bool prepareStatements();
+    void closeDatabase();
+    bool writable(std::string_view key) const;
     void fail(std::string_view what) const;
     sqlite3_stmt* prepare(const char* sql);
 
@@ -48,6 +58,7 @@ class SqliteKeyValueStore : public KeyValueStore {
     sqlite3_stmt* select_ = nullptr;
     sqlite3_stmt* upsert_ = nullptr;
     sqlite3_stmt* delete_ = nullptr;
+    std::string readOnlyReason_;  ///< empty while writes are possible
 };
 
 }  // namespace ovix::platform
