@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace ovix {
@@ -14,6 +15,10 @@ struct UrlSyntax {
     static bool isEscapeAt(std::string_view text, std::size_t i);
     /// Unreserved characters, sub-delimiters and general delimiters, brackets included.
     static bool isUriCharacter(char c);
+    /// The origin of an absolute URL with an authority, as "scheme://host:port": scheme and host
+    /// lower-cased, user information dropped, the port written out (80 for http, 443 for https when
+    /// none is given). "" when `url` has no scheme or no authority, or an http(s) URL no port.
+    static std::string origin(std::string_view url);
 };
 
 }  // namespace ovix

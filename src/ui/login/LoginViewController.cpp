@@ -5,6 +5,7 @@
 #include "core/Endpoints.h"
 #include "core/EventSlot.h"
 #include "core/SessionManager.h"
+#include "core/UrlSyntax.h"
 #include "device/DeviceInfoCollector.h"
 #include "ovix/OvixEvents.h"
 #include "ovix/kit/NavigationController.h"
@@ -195,8 +196,16 @@ std::string LoginViewController::deviceInfoScript(std::string_view json) {
     return "window.onReceiveDeviceInfo(" + escaped + ");";
 }
 
+bool LoginViewController::pageIsOnAccountsOrigin() const {
+    const std::string expected = UrlSyntax::origin(Endpoints::shared().urlString);
+    return webView_ && !expected.empty() && UrlSyntax::origin(webView_->url()) == expected;
+}
+
 void LoginViewController::sendDeviceInfoToWebView() {
     updateBackButton();
+    if (!pageIsOnAccountsOrigin()) {
+        return;
+    }
     // The record is always serialisable and its text always UTF-8 (invalid bytes are repaired).
     const std::string json =
         DeviceInfoCollector::toJsonString(DeviceInfoCollector::buildDeviceInfoJson("", ""));
@@ -243,13 +252,20 @@ void LoginViewController::webViewDidFailNavigation(kit::host::WebView&, const ki
 
 void LoginViewController::userContentControllerDidReceiveScriptMessage(
     kit::host::UserContentController&, const kit::host::ScriptMessage& message) {
-    if (message.name != scriptMessageHandlerName || message.body.asObject() == nullptr) {
+    if (tokenSaved_ || message.name != scriptMessageHandlerName || message.body.asObject() == nullptr ||
+        !pageIsOnAccountsOrigin()) {
         return;
     }
     const auto token = message.body.stringAt(tokenField);
     if (!token) {
         return;
     }
+    if (token->size() > maxTokenBytes) {
+        platform::current()->console->printLine("⚠️ Login token ignored: longer than " +
+                                                std::to_string(maxTokenBytes) + " bytes");
+        return;
+    }
+    tokenSaved_ = true;
     SessionManager::shared().saveToken(*token);
     EventSlot::shared().raise(OvixEvents::LOGIN_SUCCESS);
     dismiss(true);

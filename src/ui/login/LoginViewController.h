@@ -19,6 +19,13 @@ namespace ovix {
 /// page hands the access token back as a message {"data": <token>} under "OvixLoginSuccess", which
 /// is stored (status "login"), raised as `LOGIN_SUCCESS` and closes the screen.
 ///
+/// The page is trusted only while the web view's main frame is on the accounts host's origin
+/// (scheme, host and port of the configured address): only then does it receive the device record
+/// and may its token message log the player in. Messages from any other page are ignored silently.
+/// The check sees the main frame only: a frame that the accounts page itself embeds shares its
+/// trust. Once a token is saved, later messages to the same screen are ignored; a token longer than
+/// `maxTokenBytes` is ignored with one console line.
+///
 /// After a logout (stored status "logout") the engine's website data is wiped before the page loads.
 /// A back button appears over the page while it can go back. Delayed work and completions hold the
 /// screen weakly and do nothing once it has gone. Main thread only: the web engine calls the
@@ -30,6 +37,8 @@ class LoginViewController : public kit::ViewController,
     /// The page's message channel, and the event raised on success.
     static constexpr std::string_view scriptMessageHandlerName = "OvixLoginSuccess";
     static constexpr std::string_view tokenField = "data";
+    /// Far above any real access token; a page posting more is not a login.
+    static constexpr std::size_t maxTokenBytes = 16 * 1024;
     static constexpr std::string_view customUserAgent =
         "Mozilla/5.0 (iPhone; CPU iPhone OS 16_6 like Mac OS X) AppleWebKit/605.1.15 (KHTML, like Gecko) "
         "Version/16.6 Mobile/15E148 Safari/604.1";
@@ -84,11 +93,13 @@ class LoginViewController : public kit::ViewController,
     void updateBackButton();
     void sendDeviceInfoToWebView();
     void hideLoadingView();
+    bool pageIsOnAccountsOrigin() const;
 
     std::shared_ptr<kit::host::WebView> webView_;
     std::shared_ptr<LoadingView> loadingView_;
     std::shared_ptr<kit::Button> backButton_;
     std::shared_ptr<kit::LayoutConstraint> webViewTopConstraint_;
+    bool tokenSaved_ = false;
 };
 
 }  // namespace ovix

@@ -160,7 +160,7 @@ TEST_F(LoginViewControllerTest, EveryFinishedNavigationHandsThePageTheDeviceReco
     EXPECT_TRUE(page()->answerScript());
     EXPECT_EQ(h.console->lines(), std::vector<std::string>{"✅ Sent device info to WebView"});
 
-    page()->navigateFromPage("https://accounts.example/otp");
+    page()->navigateFromPage("https://id.ovix.vn/otp");
     page()->completeNavigation();
     ASSERT_EQ(page()->evaluatedScripts().size(), 2u);
     EXPECT_EQ(injectedRecord(), deviceRecord());
@@ -236,6 +236,7 @@ TEST_F(LoginViewControllerTest, TheTokenMessageStoresTheTokenRaisesTheEventAndCl
     game->present(kit::NavigationController::create(screen), false);
     h.mainQueue->runUntilIdle();
     ASSERT_NE(game->presentedViewController(), nullptr);
+    page()->completeNavigation();
 
     EXPECT_TRUE(page()->postMessage("OvixLoginSuccess", Value(Dictionary{{"data", "abc"}})));
     EXPECT_EQ(stored(SessionManager::shared().tokenKey), "abc");
@@ -249,6 +250,7 @@ TEST_F(LoginViewControllerTest, TheTokenMessageStoresTheTokenRaisesTheEventAndCl
 
 TEST_F(LoginViewControllerTest, MessagesWithoutAStringTokenChangeNothing) {
     auto screen = showLogin();
+    page()->completeNavigation();
     auto controller = page()->configuration().userContentController;
     for (const Value& body : {Value(Dictionary{{"data", 5}}), Value(Dictionary{{"token", "abc"}}),
                               Value("abc"), Value(Array{Value("abc")}), Value()}) {
@@ -267,6 +269,7 @@ TEST_F(LoginViewControllerTest, MessagesWithoutAStringTokenChangeNothing) {
 TEST_F(LoginViewControllerTest, WithoutAListenerTheTokenIsStillSaved) {
     OvixCore::shared().setListener(nullptr);
     showLogin();
+    page()->completeNavigation();
     page()->postMessage("OvixLoginSuccess", Value(Dictionary{{"data", "xyz"}}));
     EXPECT_EQ(stored(SessionManager::shared().tokenKey), "xyz");
 }
@@ -344,6 +347,44 @@ TEST_F(LoginViewControllerTest, WithoutAWindowNothingIsShown) {
     bare.mainQueue->advance(2);
     EXPECT_EQ(bare.webEngine->madeCount(), 0u);
     EXPECT_EQ(bare.notificationCenter->requestCount(), 0);
+}
+
+TEST_F(LoginViewControllerTest, OnlyTheAccountsOriginIsTrustedAndOnlyOnce) {
+    auto screen = showLogin();
+    auto token = [] { return SessionManager::readString(SessionManager::shared().tokenKey); };
+    struct Case {
+        const char* url;
+        bool trusted;
+    };
+    // The accounts host is https://id.ovix.vn here.
+    const Case pages[] = {{"https://evil.example/login", false},
+                          {"http://id.ovix.vn/auth", false},
+                          {"https://id.ovix.vn:8443/auth", false},
+                          {"https://id.ovix.vn.evil.example/", false},
+                          {"https://ID.ovix.vn:443/otp", true}};
+    for (const auto& c : pages) {
+        SCOPED_TRACE(c.url);
+        const auto scriptsBefore = page()->evaluatedScripts().size();
+        page()->navigateFromPage(c.url);
+        page()->completeNavigation();
+        EXPECT_EQ(page()->evaluatedScripts().size(), scriptsBefore + (c.trusted ? 1 : 0)) << "device record";
+        page()->postMessage("OvixLoginSuccess", Value(Dictionary{{"data", "from-page"}}));
+        EXPECT_EQ(token(), c.trusted ? "from-page" : "");
+    }
+    // Saved once: a later message to the same screen changes nothing and raises nothing.
+    page()->postMessage("OvixLoginSuccess", Value(Dictionary{{"data", "again"}}));
+    EXPECT_EQ(token(), "from-page");
+    EXPECT_EQ(listener->received().size(), 1u);
+}
+
+TEST_F(LoginViewControllerTest, AnOversizedTokenIsIgnoredWithOneLine) {
+    showLogin();
+    page()->completeNavigation();
+    const std::string huge(LoginViewController::maxTokenBytes + 1, 't');
+    page()->postMessage("OvixLoginSuccess", Value(Dictionary{{"data", huge}}));
+    EXPECT_FALSE(h.store->contains(SessionManager::shared().tokenKey));
+    EXPECT_TRUE(listener->received().empty());
+    EXPECT_EQ(h.console->count("⚠️ Login token ignored: longer than 16384 bytes"), 1);
 }
 
 }  // namespace
