@@ -81,11 +81,11 @@ SqliteKeyValueStore::SqliteKeyValueStore(fs::path file, std::shared_ptr<Console>
         }
     }
     // Committed values stay readable; writes are refused with the cause.
-    readOnlyReason_ = "read-only: " + why;
     if (!openReadOnly()) {
         fail("cannot open the store file (" + why + ")");
         return;
     }
+    readOnlyReason_ = "read-only: " + why;
     fail("opened " + readOnlyReason_ + "; changes will not be saved");
 }
 
