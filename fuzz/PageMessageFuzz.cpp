@@ -39,8 +39,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto stored = ovix::SessionManager::readString(ovix::SessionManager::shared().tokenKey);
     const auto* object = body ? body->asObject() : nullptr;
     const auto* token = object ? body->find("data") : nullptr;
-    const bool expected = token && token->asString() &&
-                          token->asString()->size() <= ovix::LoginViewController::maxTokenBytes;
+    const bool expected =
+        token && token->asString() && token->asString()->size() <= ovix::LoginViewController::maxTokenBytes;
     if (expected != !stored.empty() && !(expected && token->asString()->empty())) {
         std::abort();
     }

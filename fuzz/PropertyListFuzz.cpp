@@ -6,6 +6,7 @@
 #include "platform/plist/PropertyListReader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    (void)ovix::platform::PropertyListReader::parse(std::string_view(reinterpret_cast<const char*>(data), size));
+    (void)ovix::platform::PropertyListReader::parse(
+        std::string_view(reinterpret_cast<const char*>(data), size));
     return 0;
 }

@@ -23,7 +23,7 @@ std::optional<std::uint64_t> readBigEndian(std::string_view bytes, std::uint64_t
 }
 
 bool startsWithName(std::string_view text, std::size_t at, std::string_view name) {
-    if (text.compare(at, name.size(), name) != 0 || at + name.size() >= text.size()) {
+    if (at >= text.size() || text.compare(at, name.size(), name) != 0 || at + name.size() >= text.size()) {
         return false;
     }
     const char next = text[at + name.size()];
@@ -64,22 +64,34 @@ struct BinaryTable {
 
     struct Node {
         bool container = false;
-        std::vector<std::uint64_t> children;  // keys included
+        std::vector<std::uint64_t> children;  // a dictionary's keys first
+        std::uint64_t keys = 0;
     };
 
-    // What an object refers to; nullopt when the bytes are broken.
-    std::optional<Node> node(std::uint64_t object) const {
+    // A UTF-16 string holding U+0000 as a dictionary key passes libplist's parser and then fails an
+    // assertion when the key is read; such a list is treated as broken.
+    bool keyIsReadable(std::uint64_t object) const {
         auto start = readBigEndian(bytes, offsets + object * offsetWidth, offsetWidth);
-        if (!start || *start >= bytes.size()) {
-            return std::nullopt;
+        if (!start || *start >= bytes.size() || (static_cast<unsigned char>(bytes[*start]) >> 4) != 0x6) {
+            return true;  // ASCII keys are read up to a NUL; anything else libplist refuses itself
         }
-        const auto marker = static_cast<unsigned char>(bytes[*start]);
-        const unsigned type = marker >> 4;
-        if (type != 0xA && type != 0xC && type != 0xD) {
-            return Node{};
+        auto length = lengthAt(*start);
+        if (!length) {
+            return false;
         }
-        std::uint64_t length = marker & 0x0F;
-        std::uint64_t at = *start + 1;
+        for (std::uint64_t i = 0; i < length->first; ++i) {
+            auto unit = readBigEndian(bytes, length->second + 2 * i, 2);
+            if (!unit || *unit == 0) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    // The element count of the object at `start` and where its contents begin.
+    std::optional<std::pair<std::uint64_t, std::uint64_t>> lengthAt(std::uint64_t start) const {
+        std::uint64_t length = static_cast<unsigned char>(bytes[start]) & 0x0F;
+        std::uint64_t at = start + 1;
         if (length == 0x0F) {  // the length follows as an integer object
             auto intMarker = readBigEndian(bytes, at, 1);
             if (!intMarker || (*intMarker >> 4) != 0x1 || (*intMarker & 0x0F) > 3) {
@@ -93,15 +105,37 @@ struct BinaryTable {
             length = *n;
             at += 1 + width;
         }
+        return std::make_pair(length, at);
+    }
+
+    // What an object refers to; nullopt when the bytes are broken.
+    std::optional<Node> node(std::uint64_t object) const {
+        auto start = readBigEndian(bytes, offsets + object * offsetWidth, offsetWidth);
+        if (!start || *start >= bytes.size()) {
+            return std::nullopt;
+        }
+        const auto marker = static_cast<unsigned char>(bytes[*start]);
+        const unsigned type = marker >> 4;
+        if (type != 0xA && type != 0xC && type != 0xD) {
+            return Node{};
+        }
+        auto counted = lengthAt(*start);
+        if (!counted) {
+            return std::nullopt;
+        }
+        const auto [length, at] = *counted;
         const std::uint64_t refs = type == 0xD ? length * 2 : length;
         if (refs > (bytes.size() - std::min<std::uint64_t>(at, bytes.size())) / refWidth) {
             return std::nullopt;
         }
-        Node out{true, {}};
+        Node out{true, {}, type == 0xD ? length : 0};
         out.children.reserve(refs);
         for (std::uint64_t i = 0; i < refs; ++i) {
             auto ref = readBigEndian(bytes, at + i * refWidth, refWidth);
             if (!ref || *ref >= count) {
+                return std::nullopt;
+            }
+            if (i < out.keys && !keyIsReadable(*ref)) {
                 return std::nullopt;
             }
             out.children.push_back(*ref);

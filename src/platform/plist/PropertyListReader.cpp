@@ -134,6 +134,11 @@ std::optional<Value> PropertyListReader::parse(std::string_view bytes) {
     if (bytes.empty() || bytes.size() > kMaxFileSize) {
         return std::nullopt;
     }
+    // XML cannot hold a NUL character, and libplist would keep one inside a dictionary key and then
+    // fail an assertion reading it back.
+    if (bytes.substr(0, 6) != "bplist" && bytes.find('\0') != std::string_view::npos) {
+        return std::nullopt;
+    }
     // libplist recurses once per level while parsing: measure first, and refuse what nests too deep.
     auto depth = PropertyListNesting::measure(bytes, Value::maxNestingDepth);
     if (!depth || *depth > Value::maxNestingDepth) {

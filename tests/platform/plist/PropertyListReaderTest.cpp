@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <string>
 
 #include "ovix/Value.h"
@@ -72,9 +75,21 @@ TEST(PropertyListReader, NestingIsBoundedBeforeTheLibraryRecurses) {
     }
 }
 
-TEST(PropertyListReader, AStringHoldingANulByteIsReadWithoutAborting) {
-    auto value = PropertyListReader::parse(std::string("<plist><string>a\0b</string></plist>", 36));
-    ASSERT_TRUE(value);
-    ASSERT_NE(value->asString(), nullptr);
-    EXPECT_EQ(value->asString()->substr(0, 1), "a");
+TEST(PropertyListReader, XmlHoldingANulByteIsRefusedWithoutAborting) {
+    for (const std::string& xml : {std::string("<plist><string>a\0b</string></plist>", 36),
+                                   std::string("<plist><dict><key>a\0b</key><true/></dict></plist>", 47)}) {
+        EXPECT_FALSE(PropertyListReader::parse(xml)) << xml.size();
+    }
+}
+
+TEST(PropertyListReader, EveryInputThatOnceCrashedIsReadOrRefused) {
+    int inputs = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(OVIX_FUZZ_REGRESSIONS "/property_list")) {
+        SCOPED_TRACE(entry.path().filename().string());
+        std::stringstream bytes;
+        bytes << std::ifstream(entry.path(), std::ios::binary).rdbuf();
+        EXPECT_FALSE(PropertyListReader::parse(bytes.str()));
+        ++inputs;
+    }
+    EXPECT_GT(inputs, 0);
 }
