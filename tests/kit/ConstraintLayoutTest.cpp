@@ -19,6 +19,18 @@ std::shared_ptr<View> constrained() {
     return v;
 }
 
+// A horizontal anchor pairs only with horizontal ones, a vertical with vertical: mixing them does
+// not compile.
+template <typename A, typename B>
+concept Pairs = requires(const A& a, const B& b) {
+    a.constraintEqualTo(b);
+};
+static_assert(Pairs<kit::LayoutXAxisAnchor, kit::LayoutXAxisAnchor> &&
+              Pairs<kit::LayoutYAxisAnchor, kit::LayoutYAxisAnchor>);
+static_assert(!Pairs<kit::LayoutXAxisAnchor, kit::LayoutYAxisAnchor> &&
+              !Pairs<kit::LayoutYAxisAnchor, kit::LayoutXAxisAnchor> &&
+              !Pairs<kit::LayoutXAxisAnchor, kit::LayoutDimension>);
+
 class ConstraintLayout : public KitTest {};
 
 TEST_F(ConstraintLayout, ContainerClampsBetweenMinAndMaxInsideMargins) {
