@@ -4,6 +4,7 @@
 #include <cmath>
 #include <sstream>
 #include <unordered_set>
+#include <utility>
 
 #include "ovix/kit/ScrollView.h"
 #include "ovix/kit/View.h"
@@ -50,6 +51,23 @@ std::string keyOf(const void* item, const char* slot) {
     std::ostringstream out;
     out << item << "/" << slot;
     return out.str();
+}
+
+constexpr double kRequired = layout::strength::required;
+
+/// How much of a change in the superview's length each flexible part of a fixed frame takes: the
+/// start margin's and the length's shares, in proportion to their sizes (evenly when all are zero).
+std::pair<double, double> flexibleShares(double start, double length, double end, bool fs, bool fl, bool fe) {
+    double total = (fs ? start : 0) + (fl ? length : 0) + (fe ? end : 0);
+    int count = int(fs) + int(fl) + int(fe);
+    auto share = [&](bool flexible, double part) {
+        return !flexible ? 0.0 : total != 0 ? part / total : 1.0 / count;
+    };
+    return {share(fs, start), share(fl, length)};
+}
+
+layout::Expression scaled(const layout::Variable& var, double k) {
+    return k == 0 ? layout::Expression(0) : layout::Expression(var) * k;
 }
 
 void collect(View& view, std::vector<std::shared_ptr<View>>& views) {
@@ -316,6 +334,41 @@ void LayoutEngine::rebuild(const std::vector<std::shared_ptr<LayoutConstraint>>&
 }
 
 std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting* fitting) {
+    beginPass();
+    Scope scope = scopeOf(root);
+    dropStaleUserEntries(scope.active);
+    for (auto& view : scope.views) {
+        auto& v = variablesFor(view);
+        bool isRoot = view.get() == &root;
+        bool fixedFrame = !isRoot && view->translatesAutoresizingMaskIntoConstraints();
+        if (isRoot) {
+            pinRoot(root, v, fitting);
+        } else if (fixedFrame) {
+            pinFixedFrame(*view, v);
+        }
+        // The root measures its content only when fitting; a fixed frame needs no measuring.
+        if (isRoot ? fitting != nullptr : !fixedFrame) {
+            holdIntrinsicSize(*view, v);
+        }
+        pinGuides(*view, v, scope.guides);
+    }
+
+    // Drop what this pass no longer wants, then add the user's constraints in activation order.
+    dropUnseenGenerated();
+    for (auto& c : scope.active) {
+        syncUser(c);
+    }
+    if (rebuildNeeded_) {
+        rebuild(scope.active);
+    }
+    for (auto it = items_.begin(); it != items_.end();) {
+        it = it->second.seen ? std::next(it) : items_.erase(it);
+    }
+    solver_.updateVariables();
+    return std::move(scope.views);
+}
+
+void LayoutEngine::beginPass() {
     for (auto& [p, v] : items_) {
         v.seen = false;
     }
@@ -327,19 +380,20 @@ std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting*
     }
     generatedOrder_.clear();
     rebuildNeeded_ = false;
+}
 
+LayoutEngine::Scope LayoutEngine::scopeOf(View& root) {
     std::vector<std::shared_ptr<View>> tree;
     collect(root, tree);
 
     // The constraints in force, and every view they need positions for: their items' views and
     // those views' ancestors up to the root.
-    std::vector<std::shared_ptr<LayoutConstraint>> active;
+    Scope scope;
     std::unordered_set<const View*> involved{&root};
-    std::unordered_set<const LayoutItem*> guides;
     auto involve = [&](const std::shared_ptr<LayoutItem>& item) {
         auto view = item->layoutView();
         if (item.get() != view.get()) {
-            guides.insert(item.get());
+            scope.guides.insert(item.get());
         }
         for (auto v = view; v && involved.insert(v.get()).second && v.get() != &root; v = v->superview()) {
         }
@@ -353,7 +407,7 @@ std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting*
             bool inTree = firstView && firstView->isDescendantOf(root) &&
                           (!c->hasSecond_ || (secondView && secondView->isDescendantOf(root)));
             if (inTree) {
-                active.push_back(c);
+                scope.active.push_back(c);
                 involve(resolve(first, c->firstAttribute(), second));
                 if (second) {
                     involve(resolve(second, c->secondAttribute(), first));
@@ -365,16 +419,18 @@ std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting*
     // In activation order, whichever view holds them: the order the user wrote them in decides
     // which of two conflicting ones breaks, and it keeps the solver's rows short (a chain of views
     // meets each height before the view below it).
-    std::sort(active.begin(), active.end(),
+    std::sort(scope.active.begin(), scope.active.end(),
               [](const auto& a, const auto& b) { return a->activationOrder_ < b->activationOrder_; });
 
-    std::vector<std::shared_ptr<View>> views;
     for (auto& view : tree) {
         if (involved.count(view.get())) {
-            views.push_back(view);
+            scope.views.push_back(view);
         }
     }
+    return scope;
+}
 
+void LayoutEngine::dropStaleUserEntries(const std::vector<std::shared_ptr<LayoutConstraint>>& active) {
     // Stale entries go first so that a replacement never meets the constraint it replaces.
     std::unordered_set<const LayoutConstraint*> wanted;
     for (auto& c : active) {
@@ -391,132 +447,122 @@ std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting*
             ++it;
         }
     }
+}
 
-    const double required = layout::strength::required;
-    auto priority = [](float p) { return layout::strength::fromPriority(p); };
-    for (auto& view : views) {
-        auto& v = variablesFor(view);
-        const View* vp = view.get();
-        std::string name = view->debugName();
-        if (vp == &root) {
-            generate(keyOf(vp, "root.left"), v.left, layout::Relation::Equal, required,
-                     name + ".left == 0 (root)");
-            generate(keyOf(vp, "root.top"), v.top, layout::Relation::Equal, required,
-                     name + ".top == 0 (root)");
-            if (fitting) {
-                generate(keyOf(vp, "fit.width"), v.width - fitting->target.width, layout::Relation::Equal,
-                         priority(fitting->horizontalPriority), name + ".width (fitting)");
-                generate(keyOf(vp, "fit.height"), v.height - fitting->target.height, layout::Relation::Equal,
-                         priority(fitting->verticalPriority), name + ".height (fitting)");
-            } else {
-                Size size = view->bounds().size;
-                generate(keyOf(vp, "root.width"), v.width - size.width, layout::Relation::Equal, required,
-                         name + ".width == bounds (root)");
-                generate(keyOf(vp, "root.height"), v.height - size.height, layout::Relation::Equal, required,
-                         name + ".height == bounds (root)");
-            }
-        } else if (view->translatesAutoresizingMaskIntoConstraints()) {
-            // The fixed frame, with the autoresizing mask turned into its dependence on the
-            // superview's size: flexible parts take their share of any change in that size.
-            auto superview = view->superview();
-            auto& s = variablesFor(superview);
-            Rect f = view->frame();
-            Size old = superview->bounds().size;
-            using M = AutoresizingMask;
-            M mask = superview->autoresizesSubviews() ? view->autoresizingMask() : M::none;
-            auto shares = [](double start, double length, double end, bool fs, bool fl, bool fe) {
-                double total = (fs ? start : 0) + (fl ? length : 0) + (fe ? end : 0);
-                int count = int(fs) + int(fl) + int(fe);
-                auto share = [&](bool flexible, double part) {
-                    return !flexible ? 0.0 : total != 0 ? part / total : 1.0 / count;
-                };
-                return std::pair<double, double>(share(fs, start), share(fl, length));
-            };
-            auto scaled = [](const layout::Variable& var, double k) {
-                return k == 0 ? layout::Expression(0) : layout::Expression(var) * k;
-            };
-            auto [kx, kw] = shares(f.origin.x, f.size.width, old.width - f.origin.x - f.size.width,
+void LayoutEngine::pinRoot(const View& root, const ItemVariables& v, const Fitting* fitting) {
+    std::string name = root.debugName();
+    generate(keyOf(&root, "root.left"), v.left, layout::Relation::Equal, kRequired,
+             name + ".left == 0 (root)");
+    generate(keyOf(&root, "root.top"), v.top, layout::Relation::Equal, kRequired, name + ".top == 0 (root)");
+    if (fitting) {
+        generate(keyOf(&root, "fit.width"), v.width - fitting->target.width, layout::Relation::Equal,
+                 layout::strength::fromPriority(fitting->horizontalPriority), name + ".width (fitting)");
+        generate(keyOf(&root, "fit.height"), v.height - fitting->target.height, layout::Relation::Equal,
+                 layout::strength::fromPriority(fitting->verticalPriority), name + ".height (fitting)");
+        return;
+    }
+    Size size = root.bounds().size;
+    generate(keyOf(&root, "root.width"), v.width - size.width, layout::Relation::Equal, kRequired,
+             name + ".width == bounds (root)");
+    generate(keyOf(&root, "root.height"), v.height - size.height, layout::Relation::Equal, kRequired,
+             name + ".height == bounds (root)");
+}
+
+void LayoutEngine::pinFixedFrame(const View& view, const ItemVariables& v) {
+    // The fixed frame, with the autoresizing mask turned into its dependence on the superview's
+    // size: flexible parts take their share of any change in that size.
+    auto superview = view.superview();
+    auto& s = variablesFor(superview);
+    Rect f = view.frame();
+    Size old = superview->bounds().size;
+    using M = AutoresizingMask;
+    M mask = superview->autoresizesSubviews() ? view.autoresizingMask() : M::none;
+    auto [kx, kw] = flexibleShares(f.origin.x, f.size.width, old.width - f.origin.x - f.size.width,
                                    has(mask, M::flexibleLeftMargin), has(mask, M::flexibleWidth),
                                    has(mask, M::flexibleRightMargin));
-            auto [ky, kh] = shares(f.origin.y, f.size.height, old.height - f.origin.y - f.size.height,
+    auto [ky, kh] = flexibleShares(f.origin.y, f.size.height, old.height - f.origin.y - f.size.height,
                                    has(mask, M::flexibleTopMargin), has(mask, M::flexibleHeight),
                                    has(mask, M::flexibleBottomMargin));
-            generate(keyOf(vp, "frame.left"),
-                     v.left - s.left - scaled(s.width, kx) - (f.origin.x - kx * old.width),
-                     layout::Relation::Equal, required, name + ".left == frame");
-            generate(keyOf(vp, "frame.top"),
-                     v.top - s.top - scaled(s.height, ky) - (f.origin.y - ky * old.height),
-                     layout::Relation::Equal, required, name + ".top == frame");
-            generate(keyOf(vp, "frame.width"),
-                     v.width - scaled(s.width, kw) - (f.size.width - kw * old.width), layout::Relation::Equal,
-                     required, name + ".width == frame");
-            generate(keyOf(vp, "frame.height"),
-                     v.height - scaled(s.height, kh) - (f.size.height - kh * old.height),
-                     layout::Relation::Equal, required, name + ".height == frame");
+    std::string name = view.debugName();
+    generate(keyOf(&view, "frame.left"),
+             v.left - s.left - scaled(s.width, kx) - (f.origin.x - kx * old.width), layout::Relation::Equal,
+             kRequired, name + ".left == frame");
+    generate(keyOf(&view, "frame.top"), v.top - s.top - scaled(s.height, ky) - (f.origin.y - ky * old.height),
+             layout::Relation::Equal, kRequired, name + ".top == frame");
+    generate(keyOf(&view, "frame.width"), v.width - scaled(s.width, kw) - (f.size.width - kw * old.width),
+             layout::Relation::Equal, kRequired, name + ".width == frame");
+    generate(keyOf(&view, "frame.height"),
+             v.height - scaled(s.height, kh) - (f.size.height - kh * old.height), layout::Relation::Equal,
+             kRequired, name + ".height == frame");
+}
+
+void LayoutEngine::holdIntrinsicSize(const View& view, const ItemVariables& v) {
+    auto proposed = proposedWidth_.find(&view);
+    Size ics = proposed == proposedWidth_.end() ? view.intrinsicContentSize()
+                                                : view.intrinsicContentSizeForWidth(proposed->second);
+    std::string name = view.debugName();
+    // Compression resistance keeps the view from shrinking below its content, hugging from growing
+    // past it, each at the view's priority for the axis.
+    auto hold = [&](LayoutAxis axis, const layout::Variable& length, double natural) {
+        if (natural == View::noIntrinsicMetric) {
+            return;
         }
-        if (vp != &root || fitting) {
-            if (!view->translatesAutoresizingMaskIntoConstraints() || (vp == &root && fitting)) {
-                auto proposed = proposedWidth_.find(vp);
-                Size ics = proposed == proposedWidth_.end()
-                               ? view->intrinsicContentSize()
-                               : view->intrinsicContentSizeForWidth(proposed->second);
-                // Compression resistance keeps the view from shrinking below its content, hugging
-                // from growing past it, each at the view's priority for the axis.
-                auto hold = [&](LayoutAxis axis, const layout::Variable& length, double natural) {
-                    if (natural == View::noIntrinsicMetric) {
-                        return;
-                    }
-                    std::string what = axis == LayoutAxis::horizontal ? ".width" : ".height";
-                    generate(keyOf(vp, ("ics" + what + ".min").c_str()), length - natural,
-                             layout::Relation::GreaterOrEqual,
-                             priority(view->contentCompressionResistancePriority(axis)),
-                             name + what + " >= intrinsic");
-                    generate(keyOf(vp, ("ics" + what + ".max").c_str()), length - natural,
-                             layout::Relation::LessOrEqual, priority(view->contentHuggingPriority(axis)),
-                             name + what + " <= intrinsic");
-                };
-                hold(LayoutAxis::horizontal, v.width, ics.width);
-                hold(LayoutAxis::vertical, v.height, ics.height);
-            }
+        std::string what = axis == LayoutAxis::horizontal ? ".width" : ".height";
+        generate(keyOf(&view, ("ics" + what + ".min").c_str()), length - natural,
+                 layout::Relation::GreaterOrEqual,
+                 layout::strength::fromPriority(view.contentCompressionResistancePriority(axis)),
+                 name + what + " >= intrinsic");
+        generate(
+            keyOf(&view, ("ics" + what + ".max").c_str()), length - natural, layout::Relation::LessOrEqual,
+            layout::strength::fromPriority(view.contentHuggingPriority(axis)), name + what + " <= intrinsic");
+    };
+    hold(LayoutAxis::horizontal, v.width, ics.width);
+    hold(LayoutAxis::vertical, v.height, ics.height);
+}
+
+void LayoutEngine::pinGuides(const View& view, const ItemVariables& v,
+                             const std::unordered_set<const LayoutItem*>& guides) {
+    pinInsetGuide(view, v, view.safeAreaGuide_, view.safeAreaInsets(), "safe", guides);
+    pinInsetGuide(view, v, view.marginsGuide_, view.layoutMargins(), "margins", guides);
+    for (auto& guide : view.layoutGuides()) {
+        if (!guides.count(guide.get())) {
+            continue;
         }
-        // Built-in guides: fixed insets of the view's own rectangle.
-        auto guideInsets = [&](const std::shared_ptr<LayoutGuide>& guide, EdgeInsets in, const char* slot) {
-            if (!guide || !guides.count(guide.get())) {
-                return;
-            }
-            auto& g = variablesFor(guide);
-            std::string gname = guide->debugName();
-            std::string k(slot);
-            generate(keyOf(vp, (k + ".left").c_str()), g.left - v.left - in.left, layout::Relation::Equal,
-                     required, gname + ".left");
-            generate(keyOf(vp, (k + ".top").c_str()), g.top - v.top - in.top, layout::Relation::Equal,
-                     required, gname + ".top");
-            generate(keyOf(vp, (k + ".width").c_str()), g.width - v.width + in.left + in.right,
-                     layout::Relation::Equal, required, gname + ".width");
-            generate(keyOf(vp, (k + ".height").c_str()), g.height - v.height + in.top + in.bottom,
-                     layout::Relation::Equal, required, gname + ".height");
-        };
-        guideInsets(view->safeAreaGuide_, view->safeAreaInsets(), "safe");
-        guideInsets(view->marginsGuide_, view->layoutMargins(), "margins");
-        for (auto& guide : view->layoutGuides()) {
-            if (!guides.count(guide.get())) {
-                continue;
-            }
-            auto& g = variablesFor(guide);
-            if (guide->kind() == LayoutGuide::Kind::scrollFrame) {
-                guideInsets(guide, {}, "frameGuide");
-            } else if (guide->kind() == LayoutGuide::Kind::scrollContent) {
-                // The content starts at the scroll view's origin; its size is whatever the
-                // constraints make it.
-                generate(keyOf(vp, "content.left"), g.left - v.left, layout::Relation::Equal, required,
-                         guide->debugName() + ".left");
-                generate(keyOf(vp, "content.top"), g.top - v.top, layout::Relation::Equal, required,
-                         guide->debugName() + ".top");
-            }
+        auto& g = variablesFor(guide);
+        if (guide->kind() == LayoutGuide::Kind::scrollFrame) {
+            pinInsetGuide(view, v, guide, {}, "frameGuide", guides);
+        } else if (guide->kind() == LayoutGuide::Kind::scrollContent) {
+            // The content starts at the scroll view's origin; its size is whatever the constraints
+            // make it.
+            generate(keyOf(&view, "content.left"), g.left - v.left, layout::Relation::Equal, kRequired,
+                     guide->debugName() + ".left");
+            generate(keyOf(&view, "content.top"), g.top - v.top, layout::Relation::Equal, kRequired,
+                     guide->debugName() + ".top");
         }
     }
+}
 
-    // Drop what this pass no longer wants, then add the user's constraints in activation order.
+void LayoutEngine::pinInsetGuide(const View& view, const ItemVariables& v,
+                                 const std::shared_ptr<LayoutGuide>& guide, EdgeInsets in, const char* slot,
+                                 const std::unordered_set<const LayoutItem*>& guides) {
+    // Built-in guides: fixed insets of the view's own rectangle.
+    if (!guide || !guides.count(guide.get())) {
+        return;
+    }
+    auto& g = variablesFor(guide);
+    std::string gname = guide->debugName();
+    std::string k(slot);
+    generate(keyOf(&view, (k + ".left").c_str()), g.left - v.left - in.left, layout::Relation::Equal,
+             kRequired, gname + ".left");
+    generate(keyOf(&view, (k + ".top").c_str()), g.top - v.top - in.top, layout::Relation::Equal, kRequired,
+             gname + ".top");
+    generate(keyOf(&view, (k + ".width").c_str()), g.width - v.width + in.left + in.right,
+             layout::Relation::Equal, kRequired, gname + ".width");
+    generate(keyOf(&view, (k + ".height").c_str()), g.height - v.height + in.top + in.bottom,
+             layout::Relation::Equal, kRequired, gname + ".height");
+}
+
+void LayoutEngine::dropUnseenGenerated() {
     for (auto it = generated_.begin(); it != generated_.end();) {
         if (!it->second.seen) {
             if (it->second.installed) {
@@ -527,17 +573,6 @@ std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting*
             ++it;
         }
     }
-    for (auto& c : active) {
-        syncUser(c);
-    }
-    if (rebuildNeeded_) {
-        rebuild(active);
-    }
-    for (auto it = items_.begin(); it != items_.end();) {
-        it = it->second.seen ? std::next(it) : items_.erase(it);
-    }
-    solver_.updateVariables();
-    return views;
 }
 
 void LayoutEngine::writeBack(const std::vector<std::shared_ptr<View>>& views, View& root) {

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "kit/layout/Solver.h"
@@ -14,6 +15,7 @@ namespace ovix::kit {
 
 class View;
 class LayoutItem;
+class LayoutGuide;
 
 /// Turns a view tree's constraints into a solver system and solved values back into frames.
 ///
@@ -67,8 +69,30 @@ class LayoutEngine {
         float verticalPriority;
     };
 
+    /// What one pass covers: the constraints in force (in activation order), the views they need
+    /// positions for (top-down) and the guides they mention.
+    struct Scope {
+        std::vector<std::shared_ptr<LayoutConstraint>> active;
+        std::vector<std::shared_ptr<View>> views;
+        std::unordered_set<const LayoutItem*> guides;
+    };
+
     /// Brings the solver up to date with the tree; returns the views with variables, top-down.
     std::vector<std::shared_ptr<View>> sync(View& root, const Fitting* fitting);
+    void beginPass();
+    static Scope scopeOf(View& root);
+    void dropStaleUserEntries(const std::vector<std::shared_ptr<LayoutConstraint>>& active);
+    /// The generated constraints, by what they stand for: the root's place and size (or the size
+    /// being fitted), a fixed frame under its autoresizing mask, the intrinsic size held by hugging
+    /// and compression resistance, and the guides' rectangles.
+    void pinRoot(const View& root, const ItemVariables& v, const Fitting* fitting);
+    void pinFixedFrame(const View& view, const ItemVariables& v);
+    void holdIntrinsicSize(const View& view, const ItemVariables& v);
+    void pinGuides(const View& view, const ItemVariables& v,
+                   const std::unordered_set<const LayoutItem*>& guides);
+    void pinInsetGuide(const View& view, const ItemVariables& v, const std::shared_ptr<LayoutGuide>& guide,
+                       EdgeInsets in, const char* slot, const std::unordered_set<const LayoutItem*>& guides);
+    void dropUnseenGenerated();
     void writeBack(const std::vector<std::shared_ptr<View>>& views, View& root);
 
     ItemVariables& variablesFor(const std::shared_ptr<LayoutItem>& item);

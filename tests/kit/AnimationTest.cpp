@@ -37,6 +37,14 @@ TEST_F(Animation, ModelChangesAtOnceAndTheCompletionWaitsForTheDuration) {
     queue().advance(0.01);
     EXPECT_EQ(finished, std::vector<bool>{true});
     EXPECT_TRUE(view->layer().animationKeys().empty());
+
+    // No duration: nothing to animate, but the completion still waits for the queue.
+    View::animate(
+        0, [&] { view->setAlpha(0.2); }, [&](bool done) { finished.push_back(done); });
+    EXPECT_TRUE(view->layer().animationKeys().empty());
+    EXPECT_EQ(finished.size(), 1u);
+    queue().runUntilIdle();
+    EXPECT_EQ(finished, (std::vector<bool>{true, true}));
 }
 
 TEST_F(Animation, EaseCurveAndDelayShapeThePresentation) {
@@ -52,9 +60,15 @@ TEST_F(Animation, EaseCurveAndDelayShapeThePresentation) {
                 1, 1e-9);
 }
 
-TEST_F(Animation, RemovingAnimationsFinishesThemAtOnceWithFinishedFalse) {
+TEST_F(Animation, ProgressClampsAndRemovingAnimationsFinishesThemAtOnceWithFinishedFalse) {
     auto bar = kit::ProgressView::create();
-    bar->setProgress(0, false);
+    bar->setProgress(2, true);  // outside a block the bar animates on its own
+    EXPECT_DOUBLE_EQ(bar->progress(), 1);
+    const double half = bar->presentationProgress(kit::ProgressView::defaultAnimationDuration / 2);
+    EXPECT_TRUE(half > 0 && half < 1) << half;
+    bar->setProgress(-1, false);
+    EXPECT_DOUBLE_EQ(bar->progress(), 0);
+
     std::vector<bool> finished;
     View::animate(
         5.0, [&] { bar->setProgress(1.0, true); }, [&](bool done) { finished.push_back(done); });
@@ -68,16 +82,6 @@ TEST_F(Animation, RemovingAnimationsFinishesThemAtOnceWithFinishedFalse) {
     EXPECT_EQ(finished, std::vector<bool>{false});
     queue().advance(10);
     EXPECT_EQ(finished, std::vector<bool>{false}) << "the completion runs once";
-}
-
-TEST_F(Animation, ProgressAnimatesOnItsOwnOutsideABlockAndClamps) {
-    auto bar = kit::ProgressView::create();
-    bar->setProgress(2, true);
-    EXPECT_DOUBLE_EQ(bar->progress(), 1);
-    const double half = bar->presentationProgress(kit::ProgressView::defaultAnimationDuration / 2);
-    EXPECT_TRUE(half > 0 && half < 1) << half;
-    bar->setProgress(-1);
-    EXPECT_DOUBLE_EQ(bar->progress(), 0);
 }
 
 TEST_F(Animation, ANewAnimationStartsFromWhatIsOnScreen) {
@@ -111,18 +115,6 @@ TEST_F(Animation, LayoutInsideABlockAnimatesTheSolvedFrames) {
 
     View::performWithoutAnimation([&] { web->setAlpha(0.5); });
     EXPECT_EQ(web->presentationValue("alpha", 0.1), std::nullopt);
-}
-
-TEST_F(Animation, ZeroDurationStillCompletesLater) {
-    auto view = View::create();
-    bool done = false;
-    View::animate(
-        0, [&] { view->setAlpha(0.2); }, [&](bool) { done = true; });
-    EXPECT_DOUBLE_EQ(view->alpha(), 0.2);
-    EXPECT_TRUE(view->layer().animationKeys().empty());
-    EXPECT_FALSE(done);
-    queue().runUntilIdle();
-    EXPECT_TRUE(done);
 }
 
 }  // namespace

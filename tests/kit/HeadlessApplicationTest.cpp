@@ -25,7 +25,7 @@ class TabletWithoutWindows : public KitTest {
     }
 };
 
-TEST_F(TabletWithoutWindows, TheScreenAndWindowsFollowTheOptions) {
+TEST_F(TabletWithoutWindows, TheScreenAndWindowsFollowTheOptionsAndTheKeyWindowIsSearchedInScenes) {
     auto screen = kit::Screen::main();
     EXPECT_EQ(screen->bounds(), (Rect{0, 0, 1024, 1366}));
     EXPECT_EQ(screen->nativeBounds(), (Rect{0, 0, 2048, 2732}));
@@ -42,30 +42,25 @@ TEST_F(TabletWithoutWindows, TheScreenAndWindowsFollowTheOptions) {
     window->makeKeyAndVisible();
     EXPECT_EQ(kit::Application::keyWindow(), window);
     EXPECT_EQ(window->windowScene(), app.connectedScenes().front());
-
     headless.application->rotate(kit::DeviceOrientation::landscapeLeft);
     EXPECT_EQ(window->frame(), (Rect{0, 0, 1366, 1024}));
+
+    auto second = headless.application->addWindow();
+    second->makeKeyAndVisible();
+    EXPECT_FALSE(window->isKeyWindow());
+    EXPECT_EQ(kit::Application::keyWindow(), second);
+    auto scene = kit::WindowScene::create(headless.application->mainScreen());
+    auto elsewhere = kit::Window::create(scene);
+    headless.application->connectScene(scene);
+    EXPECT_EQ(app.windows().size(), 3u);
+    elsewhere->makeKey();
+    EXPECT_EQ(kit::Application::keyWindow(), elsewhere);
+    headless.application->disconnectScene(*scene);
+    EXPECT_EQ(kit::Application::keyWindow(), nullptr)
+        << "a key window outside the connected scenes is not found";
 }
 
 class Basics : public KitTest {};
-
-TEST_F(Basics, HiddenWindowsTakeNoTouches) {
-    auto w = window();
-    auto button = kit::Button::create(kit::ButtonType::system, {0, 0, 100, 100});
-    w->addSubview(button);
-    int taps = 0;
-    auto id = button->addTarget([&] { ++taps; }, kit::ControlEvent::touchUpInside);
-    w->setHidden(true);
-    w->tap({50, 50});
-    EXPECT_EQ(taps, 0);
-    w->setHidden(false);
-    w->tap({50, 50});
-    EXPECT_EQ(taps, 1);
-    EXPECT_EQ(button->actionCount(kit::ControlEvent::touchUpInside), 1u);
-    button->removeTarget(id);
-    w->tap({50, 50});
-    EXPECT_EQ(taps, 1);
-}
 
 /// Counts the times it was moved into or out of a window.
 class WindowWatcher : public kit::View {

@@ -31,12 +31,20 @@ class KitTest : public ::testing::Test {
     testing::HeadlessPlatform headless;
 };
 
-/// A view sized by constraints alone.
-inline std::shared_ptr<kit::View> box(double w, double h) {
-    auto v = kit::View::create();
-    v->setTranslatesAutoresizingMaskIntoConstraints(false);
-    kit::LayoutConstraint::activate(
-        {v->widthAnchor().constraintEqualToConstant(w), v->heightAnchor().constraintEqualToConstant(h)});
+/// `view` (a new plain view by default), placed by constraints rather than by its frame.
+template <typename V = kit::View>
+std::shared_ptr<V> constrained(std::shared_ptr<V> view = kit::View::create()) {
+    view->setTranslatesAutoresizingMaskIntoConstraints(false);
+    return view;
+}
+
+/// A view sized by constraints alone; the width holds at `widthPriority`.
+inline std::shared_ptr<kit::View> box(double w, double h,
+                                      float widthPriority = kit::LayoutPriority::required) {
+    auto v = constrained();
+    auto width = v->widthAnchor().constraintEqualToConstant(w);
+    width->setPriority(widthPriority);
+    kit::LayoutConstraint::activate({width, v->heightAnchor().constraintEqualToConstant(h)});
     return v;
 }
 

@@ -25,9 +25,8 @@ class TitleCell : public kit::TableViewCell {
     static std::shared_ptr<TitleCell> create(kit::TableViewCellStyle style, const std::string& id) {
         auto cell = std::make_shared<TitleCell>(style, id);
         cell->setUpCell();
-        cell->title->setTranslatesAutoresizingMaskIntoConstraints(false);
         cell->title->setNumberOfLines(0);
-        cell->contentView()->addSubview(cell->title);
+        cell->contentView()->addSubview(constrained(cell->title));
         auto& c = *cell->contentView();
         LayoutConstraint::activate({
             cell->title->topAnchor().constraintEqualTo(c.topAnchor(), 8),
@@ -66,8 +65,7 @@ TEST_F(ListViews, ScrollContentGuideSetsTheContentSizeAndDragsStayInside) {
     auto root = View::create({0, 0, 390, 844});
     auto scroll = kit::ScrollView::create();
     pin(scroll, root);
-    auto content = View::create();
-    content->setTranslatesAutoresizingMaskIntoConstraints(false);
+    auto content = constrained();
     scroll->addSubview(content);
     auto& guide = scroll->contentLayoutGuide();
     LayoutConstraint::activate({

@@ -29,52 +29,42 @@ TEST(ViewGeometry, ChangingBoundsSizeKeepsTheCentre) {
     EXPECT_EQ(button->frame(), (Rect{55, 10, 40, 40}));
 }
 
-TEST(ViewGeometry, FlexibleMarginsKeepAViewCentredThroughResizes) {
-    auto root = View::create({0, 0, 390, 844});
-    auto logo = View::create({(390 - 200) / 2.0, (844 - 200) / 2.0, 200, 200});
-    logo->setAutoresizingMask(static_cast<AutoresizingMask>(45));
-    root->addSubview(logo);
-    EXPECT_EQ(logo->frame(), (Rect{95, 322, 200, 200}));
-
-    root->setFrame({0, 0, 844, 390});
-    EXPECT_EQ(logo->frame(), (Rect{322, 95, 200, 200}));
-    root->setBounds({0, 0, 1000, 1000});
-    EXPECT_EQ(logo->frame(), (Rect{400, 400, 200, 200}));
-    root->setFrame({0, 0, 390, 844});
-    EXPECT_EQ(logo->frame(), (Rect{95, 322, 200, 200}));
-}
-
 TEST(ViewGeometry, AutoresizingSharesTheChangeAmongFlexibleParts) {
-    auto root = View::create({0, 0, 100, 100});
-    auto fill = View::create({10, 10, 80, 80});
-    fill->setAutoresizingMask(AutoresizingMask::flexibleWidth | AutoresizingMask::flexibleHeight);
-    auto pinnedRight = View::create({70, 0, 20, 20});
-    pinnedRight->setAutoresizingMask(AutoresizingMask::flexibleLeftMargin);
-    auto fixed = View::create({5, 5, 10, 10});
-    auto constrained = View::create({0, 0, 10, 10});
-    constrained->setAutoresizingMask(AutoresizingMask::flexibleWidth);
-    constrained->setTranslatesAutoresizingMaskIntoConstraints(false);
-    for (auto& v : {fill, pinnedRight, fixed, constrained}) {
-        root->addSubview(v);
+    using M = AutoresizingMask;
+    const M left = M::flexibleLeftMargin, right = M::flexibleRightMargin, top = M::flexibleTopMargin;
+    const M bottom = M::flexibleBottomMargin, width = M::flexibleWidth, height = M::flexibleHeight;
+    struct Case {
+        const char* what;
+        M mask;
+        Rect frame;
+        Rect resized;  // once the 100 x 100 superview is 200 x 50
+        bool constrained = false;
+        bool superviewResizes = true;
+    };
+    const Case cases[] = {
+        {"fixed", M::none, {5, 5, 10, 10}, {5, 5, 10, 10}},
+        {"filling", width | height, {10, 10, 80, 80}, {10, 10, 180, 30}},
+        {"pinned right", left, {70, 0, 20, 20}, {170, 0, 20, 20}},
+        {"pinned bottom", top, {0, 70, 20, 20}, {0, 20, 20, 20}},
+        {"centred", left | right | top | bottom, {40, 40, 20, 20}, {90, 15, 20, 20}},
+        {"margin and width in proportion, 20 : 60", left | width, {20, 0, 60, 10}, {45, 0, 135, 10}},
+        {"flush margins share equally", left | right, {0, 0, 100, 100}, {50, 0, 100, 100}},
+        {"constraints, not the mask, place it", width, {5, 5, 10, 10}, {5, 5, 10, 10}, true},
+        {"the superview does not resize", width, {5, 5, 10, 10}, {5, 5, 10, 10}, false, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        auto root = View::create({0, 0, 100, 100});
+        root->setAutoresizesSubviews(c.superviewResizes);
+        auto view = View::create(c.frame);
+        view->setAutoresizingMask(c.mask);
+        view->setTranslatesAutoresizingMaskIntoConstraints(!c.constrained);
+        root->addSubview(view);
+        root->setFrame({0, 0, 200, 50});
+        EXPECT_EQ(view->frame(), c.resized);
+        root->setBounds({0, 0, 100, 100});
+        EXPECT_EQ(view->frame(), c.frame) << "and back";
     }
-
-    root->setBounds({0, 0, 200, 50});
-    EXPECT_EQ(fill->frame(), (Rect{10, 10, 180, 30}));
-    EXPECT_EQ(pinnedRight->frame(), (Rect{170, 0, 20, 20}));
-    EXPECT_EQ(fixed->frame(), (Rect{5, 5, 10, 10}));
-    EXPECT_EQ(constrained->frame(), (Rect{0, 0, 10, 10})) << "constraints, not the mask, place it";
-
-    // Margin and width both flexible: the change splits in proportion to their sizes (30 : 60).
-    auto both = View::create({30, 0, 60, 10});
-    both->setAutoresizingMask(AutoresizingMask::flexibleLeftMargin | AutoresizingMask::flexibleWidth);
-    auto box = View::create({0, 0, 100, 10});
-    box->addSubview(both);
-    box->setBounds({0, 0, 190, 10});
-    EXPECT_EQ(both->frame(), (Rect{60, 0, 120, 10}));
-
-    box->setAutoresizesSubviews(false);
-    box->setBounds({0, 0, 100, 10});
-    EXPECT_EQ(both->frame(), (Rect{60, 0, 120, 10}));
 }
 
 TEST(ViewHierarchy, OrderMovesAndRemoval) {

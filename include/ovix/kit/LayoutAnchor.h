@@ -40,42 +40,33 @@ class LayoutAnchor {
     LayoutAttribute attribute_;
 };
 
-/// A horizontal position: left, right, leading, trailing, centre X.
-class LayoutXAxisAnchor : public LayoutAnchor {
+/// Tags for the two position axes: an anchor on one cannot be constrained to an anchor on the other.
+struct LayoutXAxis;
+struct LayoutYAxis;
+
+/// A position along one axis: left, right, leading, trailing or centre X on `LayoutXAxis`; top,
+/// bottom or centre Y on `LayoutYAxis`.
+template <typename Axis>
+class LayoutAxisAnchor : public LayoutAnchor {
   public:
     using LayoutAnchor::LayoutAnchor;
     /// this = other + constant
-    std::shared_ptr<LayoutConstraint> constraintEqualTo(const LayoutXAxisAnchor& other,
+    std::shared_ptr<LayoutConstraint> constraintEqualTo(const LayoutAxisAnchor& other,
                                                         double constant = 0) const {
         return make(LayoutRelation::equal, &other, 1, constant);
     }
-    std::shared_ptr<LayoutConstraint> constraintGreaterThanOrEqualTo(const LayoutXAxisAnchor& other,
+    std::shared_ptr<LayoutConstraint> constraintGreaterThanOrEqualTo(const LayoutAxisAnchor& other,
                                                                      double constant = 0) const {
         return make(LayoutRelation::greaterThanOrEqual, &other, 1, constant);
     }
-    std::shared_ptr<LayoutConstraint> constraintLessThanOrEqualTo(const LayoutXAxisAnchor& other,
+    std::shared_ptr<LayoutConstraint> constraintLessThanOrEqualTo(const LayoutAxisAnchor& other,
                                                                   double constant = 0) const {
         return make(LayoutRelation::lessThanOrEqual, &other, 1, constant);
     }
 };
 
-/// A vertical position: top, bottom, centre Y.
-class LayoutYAxisAnchor : public LayoutAnchor {
-  public:
-    using LayoutAnchor::LayoutAnchor;
-    std::shared_ptr<LayoutConstraint> constraintEqualTo(const LayoutYAxisAnchor& other,
-                                                        double constant = 0) const {
-        return make(LayoutRelation::equal, &other, 1, constant);
-    }
-    std::shared_ptr<LayoutConstraint> constraintGreaterThanOrEqualTo(const LayoutYAxisAnchor& other,
-                                                                     double constant = 0) const {
-        return make(LayoutRelation::greaterThanOrEqual, &other, 1, constant);
-    }
-    std::shared_ptr<LayoutConstraint> constraintLessThanOrEqualTo(const LayoutYAxisAnchor& other,
-                                                                  double constant = 0) const {
-        return make(LayoutRelation::lessThanOrEqual, &other, 1, constant);
-    }
-};
+using LayoutXAxisAnchor = LayoutAxisAnchor<LayoutXAxis>;
+using LayoutYAxisAnchor = LayoutAxisAnchor<LayoutYAxis>;
 
 /// A width or height.
 class LayoutDimension : public LayoutAnchor {
