@@ -93,6 +93,29 @@ std::optional<std::vector<Dictionary>> dataItems(std::optional<Dictionary>& enve
     return items;
 }
 
+// The decoded answer of an eligibility check, or nullopt with `why` saying what went wrong.
+std::optional<UserEligibilityResponse> eligibilityAnswer(const HttpResult& result, std::string& why) {
+    if (!result.response) {
+        why = result.error.value_or("the request failed");
+        return std::nullopt;
+    }
+    const auto& response = *result.response;
+    if (!isSuccess(response.status)) {
+        why = "the server answered with HTTP status " + std::to_string(response.status);
+        return std::nullopt;
+    }
+    auto json = Value::fromJson(response.body);
+    if (!json) {
+        why = "the response is not valid JSON";
+        return std::nullopt;
+    }
+    auto decoded = UserEligibilityResponse::decode(*json);
+    if (!decoded) {
+        why = "the response has no boolean \"eligible\"";
+    }
+    return decoded;
+}
+
 }  // namespace
 
 // Completes with nil at once when there is no request to send, otherwise with what `extract` makes
@@ -145,46 +168,25 @@ void APIService::loadNews(ItemsCompletion completion) {
     sendBuilt(APIRequest::newsFeed(), std::move(completion), &dataItems);
 }
 
-std::future<std::optional<UserEligibilityResponse>> APIService::checkEligibility(
-    const std::string& productId) {
-    using Promise = std::promise<std::optional<UserEligibilityResponse>>;
-    auto promise = std::make_shared<Promise>();
-    auto future = promise->get_future();
+void APIService::checkEligibility(const std::string& productId, EligibilityCompletion completion) {
     auto p = platform::current();
-    auto fail = [console = p->console, promise](const std::string& description) {
-        console->printLine("❌ API error: " + description);
-        promise->set_value(std::nullopt);
-    };
-
     auto request = APIRequest::eligibility(productId);
     if (!request) {
-        fail("bad URL: the product id \"" + productId + "\" does not make a valid URL");
-        return future;
+        p->console->printLine("❌ API error: bad URL: the product id \"" + productId +
+                              "\" does not make a valid URL");
+        completion(std::nullopt);
+        return;
     }
     request->maxResponseBytes = maxResponseBytes;
-    p->http->send(std::move(*request), [promise, fail](HttpResult result) {
-        if (!result.response) {
-            fail(result.error.value_or("the request failed"));
-            return;
-        }
-        const auto& response = *result.response;
-        if (!isSuccess(response.status)) {
-            fail("the server answered with HTTP status " + std::to_string(response.status));
-            return;
-        }
-        auto json = Value::fromJson(response.body);
-        if (!json) {
-            fail("the response is not valid JSON");
-            return;
-        }
-        auto decoded = UserEligibilityResponse::decode(*json);
-        if (!decoded) {
-            fail("the response has no boolean \"eligible\"");
-            return;
-        }
-        promise->set_value(decoded);
-    });
-    return future;
+    p->http->send(std::move(*request),
+                  [console = p->console, completion = std::move(completion)](HttpResult result) {
+                      std::string why;
+                      auto answer = eligibilityAnswer(result, why);
+                      if (!answer) {
+                          console->printLine("❌ API error: " + why);
+                      }
+                      completion(answer);
+                  });
 }
 
 void APIService::uploadImage(const platform::RgbaImage& picture, DictionaryCompletion completion) {

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <functional>
-#include <future>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,6 +24,7 @@ class APIService {
   public:
     using DictionaryCompletion = std::function<void(std::optional<Dictionary>)>;
     using ItemsCompletion = std::function<void(std::optional<std::vector<Dictionary>>)>;
+    using EligibilityCompletion = std::function<void(std::optional<UserEligibilityResponse>)>;
 
     /// The largest response body accepted (32 MiB); a larger one ends as a transport failure.
     static constexpr std::size_t maxResponseBytes = std::size_t{32} << 20;
@@ -45,12 +45,11 @@ class APIService {
     static void loadNews(ItemsCompletion completion);
 
     /// Asks the accounts host whether the player may buy `productId` (see
-    /// `APIRequest::eligibility` for how the id goes into the URL). The future holds the decoded
-    /// answer, or nullopt after "❌ API error: <description>" was printed for an invalid URL, a
-    /// transport failure, a status outside 200-299 or a body without a boolean "eligible". It is
-    /// set on the HTTP client's thread (at once for an invalid URL); waiting on it never needs the
-    /// main queue.
-    static std::future<std::optional<UserEligibilityResponse>> checkEligibility(const std::string& productId);
+    /// `APIRequest::eligibility` for how the id goes into the URL). Completes with the decoded
+    /// answer, or nil after "❌ API error: <description>" was printed for an invalid URL, a transport
+    /// failure, a status outside 200-299 or a body without a boolean "eligible". An invalid URL
+    /// completes at once, on the calling thread, and sends nothing.
+    static void checkEligibility(const std::string& productId, EligibilityCompletion completion);
 
     /// Uploads `picture` as JPEG (quality 0.8) to the graph host; completes with the whole response
     /// object (the address is the string "ImageUrl" inside the object "Data") or nil. When the picture

@@ -16,8 +16,13 @@ Value transactionPayload(const platform::StoreTransaction& transaction) {
                       {"date", Value(transaction.purchaseDate)}};
 }
 
-std::shared_ptr<std::promise<void>> newPromise() {
-    return std::make_shared<std::promise<void>>();
+// A future for an operation that reports its end through a `Done`.
+template <typename Start>
+std::future<void> futureOf(Start start) {
+    auto promise = std::make_shared<std::promise<void>>();
+    auto future = promise->get_future();  // before the store's thread may set it
+    start([promise] { promise->set_value(); });
+    return future;
 }
 
 }  // namespace
@@ -37,14 +42,14 @@ void IAPManager::raiseBillingError(const std::string& text) {
 }
 
 std::future<void> IAPManager::fetchProducts(std::vector<std::string> productIds) {
-    auto services = platform::current();
-    auto done = newPromise();
-    auto future = done->get_future();  // before the store's thread may set it
-    services->store->products(productIds, [this, services, done](platform::Store::ProductsResult result) {
-        fetched(*services, std::move(result));
-        done->set_value();
+    return futureOf([this, &productIds](Done done) {
+        auto services = platform::current();
+        services->store->products(
+            productIds, [this, services, done = std::move(done)](platform::Store::ProductsResult result) {
+                fetched(*services, std::move(result));
+                done();
+            });
     });
-    return future;
 }
 
 void IAPManager::fetched(const platform::Platform& services, platform::Store::ProductsResult result) {
@@ -67,8 +72,10 @@ void IAPManager::fetched(const platform::Platform& services, platform::Store::Pr
 }
 
 std::future<void> IAPManager::purchase(std::string productId) {
-    auto done = newPromise();
-    auto future = done->get_future();
+    return futureOf([this, &productId](Done done) { purchase(std::move(productId), std::move(done)); });
+}
+
+void IAPManager::purchase(std::string productId, Done done) {
     std::optional<platform::StoreProduct> product;
     {
         std::lock_guard lock(mutex_);
@@ -81,14 +88,14 @@ std::future<void> IAPManager::purchase(std::string productId) {
     }
     if (!product) {
         raiseBillingError("Product not found");
-        done->set_value();
-        return future;
+        done();
+        return;
     }
     auto services = platform::current();
-    services->store->purchase(*product, [services, done](platform::Store::PurchaseResult result) {
-        purchased(services, std::move(result), done);
-    });
-    return future;
+    services->store->purchase(*product,
+                              [services, done = std::move(done)](platform::Store::PurchaseResult result) {
+                                  purchased(services, std::move(result), done);
+                              });
 }
 
 void IAPManager::purchased(const std::shared_ptr<platform::Platform>& services,
@@ -97,7 +104,7 @@ void IAPManager::purchased(const std::shared_ptr<platform::Platform>& services,
     if (auto* error = std::get_if<platform::StoreError>(&result)) {
         services->console->printLine("❌ Purchase failed: " + error->localizedDescription);
         raiseBillingError(error->localizedDescription);
-        done->set_value();
+        done();
         return;
     }
     const auto& outcome = std::get<platform::PurchaseOutcome>(result);
@@ -108,8 +115,7 @@ void IAPManager::purchased(const std::shared_ptr<platform::Platform>& services,
             }
             const auto& verification = *outcome.verification;
             if (verification.verified()) {
-                handleVerifiedTransaction(services, verification.transaction, false,
-                                          [done] { done->set_value(); });
+                handleVerifiedTransaction(services, verification.transaction, false, done);
                 return;
             }
             const auto& text = verification.verificationError->localizedDescription;
@@ -126,15 +132,14 @@ void IAPManager::purchased(const std::shared_ptr<platform::Platform>& services,
         case Kind::Unknown:
             break;
     }
-    done->set_value();
+    done();
 }
 
 std::future<void> IAPManager::restorePurchases() {
-    auto services = platform::current();
-    auto done = newPromise();
-    auto future = done->get_future();
-    restoreNext(services, services->store->currentEntitlements(), done);
-    return future;
+    return futureOf([](Done done) {
+        auto services = platform::current();
+        restoreNext(services, services->store->currentEntitlements(), done);
+    });
 }
 
 void IAPManager::restoreNext(const std::shared_ptr<platform::Platform>& services,
@@ -142,7 +147,7 @@ void IAPManager::restoreNext(const std::shared_ptr<platform::Platform>& services
                              const Done& done) {
     sequence->next([services, sequence, done](std::optional<platform::VerificationResult> element) {
         if (!element) {
-            done->set_value();
+            done();
             return;
         }
         if (element->verified()) {

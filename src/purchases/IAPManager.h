@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <future>
 #include <memory>
 #include <mutex>
@@ -41,6 +42,10 @@ class IAPManager {
     /// then finishes the transaction; every other ending raises `BILLING_ERROR` with a text, except an
     /// outcome this SDK does not know, which raises nothing.
     std::future<void> purchase(std::string productId);
+    /// The same purchase, with `done` in place of the future: it runs once, where the future would
+    /// become ready (on the store's callback thread, or at once on the calling thread when the
+    /// product is not in `products`).
+    void purchase(std::string productId, std::function<void()> done);
     /// Replays the current entitlements in the store's order: `PURCHASES_RESTORED` then finish for
     /// each verified one, a printed line and `BILLING_ERROR` for each unverified one. No summary.
     std::future<void> restorePurchases();
@@ -48,7 +53,8 @@ class IAPManager {
   private:
     IAPManager() = default;
 
-    using Done = std::shared_ptr<std::promise<void>>;
+    /// Runs once an operation raised its last event and its store calls were answered.
+    using Done = std::function<void()>;
 
     void fetched(const platform::Platform& services, platform::Store::ProductsResult result);
     static void purchased(const std::shared_ptr<platform::Platform>& services,

@@ -1,7 +1,8 @@
 #include "ovix/OvixCore.h"
 
 #include <algorithm>
-#include <thread>
+#include <future>
+#include <memory>
 
 #include "api/APIService.h"
 #include "core/Endpoints.h"
@@ -62,20 +63,19 @@ std::future<void> OvixCore::purchaseProduct(std::string_view productId) {
     if (std::none_of(loaded.begin(), loaded.end(), [&id](const auto& product) { return product.id == id; })) {
         return manager.fetchProducts({id});
     }
-    auto eligibility = APIService::checkEligibility(id);
     auto done = std::make_shared<std::promise<void>>();
     auto future = done->get_future();
-    // The purchase's own task: it waits for the backend's answer, then for the purchase manager.
-    std::thread([id = std::move(id), eligibility = std::move(eligibility), done]() mutable {
-        auto answer = eligibility.get();
+    // The answer arrives on the HTTP client's thread; the purchase starts from there and its own end
+    // fulfils the future, so no thread waits for either.
+    APIService::checkEligibility(id, [id, done](std::optional<UserEligibilityResponse> answer) {
         if (answer && answer->eligible) {
-            IAPManager::shared().purchase(id).wait();
-        } else {
-            PurchaseAlert::post(
-                std::string(answer ? PurchaseAlert::notEligibleMessage : PurchaseAlert::failedMessage));
+            IAPManager::shared().purchase(id, [done] { done->set_value(); });
+            return;
         }
+        PurchaseAlert::post(
+            std::string(answer ? PurchaseAlert::notEligibleMessage : PurchaseAlert::failedMessage));
         done->set_value();
-    }).detach();
+    });
     return future;
 }
 

@@ -44,7 +44,6 @@ TEST_F(ApiTest, CallsInFlightWhenThePlatformIsReplacedAllComplete) {
     ASSERT_TRUE(server.waitForRequests(kCalls));
     // Nothing of the first platform is held here any more, but for its console.
     auto console = headless.console;
-    http.reset();
     headless = ovix::testing::HeadlessPlatform::create();
     headless.install();
     server.releaseStalled();

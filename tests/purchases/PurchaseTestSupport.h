@@ -2,19 +2,23 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <future>
 #include <memory>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
-#include "ovix/OvixCore.h"
-#include "ovix/testing/HeadlessPlatform.h"
+#include "api/ApiTest.h"
 #include "purchases/IAPManager.h"
 #include "support/RecordingListener.h"
 
 namespace ovix::test {
+
+using Events = std::vector<std::pair<std::string, Value>>;
 
 /// Records events and lets a test look at the world at the moment each one arrives.
 class ObservingListener : public RecordingListener {
@@ -27,6 +31,14 @@ class ObservingListener : public RecordingListener {
         }
         RecordingListener::onEventReceived(event, data);
     }
+    /// Every event so far with its payload, in arrival order.
+    Events events() const {
+        Events out;
+        for (const auto& r : received()) {
+            out.emplace_back(r.event, r.data);
+        }
+        return out;
+    }
 };
 
 /// Waits for an operation whose completion arrives on the store's thread; the bound only guards
@@ -36,52 +48,34 @@ inline void await(std::future<void> future) {
     future.get();
 }
 
-/// A fresh headless platform, installed.
-class HeadlessTest : public ::testing::Test {
+/// On top of the API tests' platform (loopback server, curl client, sandbox store): a listening game
+/// and a purchase manager whose product list was emptied by the fixture's own fetch (the manager is a
+/// process singleton).
+class PurchaseFixture : public ApiTest {
   protected:
     void SetUp() override {
-        headless = ovix::testing::HeadlessPlatform::create();
-        headless.install();
-    }
-    ovix::testing::HeadlessPlatform headless;
-};
-
-/// On top of `Base`'s installed headless platform: a listening game and a purchase manager whose
-/// product list was emptied by the fixture's own fetch (the manager is a process singleton).
-template <typename Base>
-class PurchaseFixtureOn : public Base {
-  protected:
-    void SetUp() override {
-        Base::SetUp();
+        ApiTest::SetUp();
         OvixCore::shared().setListener(nullptr);
         await(IAPManager::shared().fetchProducts({}));
         listen();
     }
     void TearDown() override { OvixCore::shared().setListener(nullptr); }
 
-    platform::SandboxStore& store() { return *this->headless.sandboxStore; }
-    std::vector<std::string> consoleLines() const { return this->headless.console->lines(); }
+    platform::SandboxStore& store() { return *headless.sandboxStore; }
+    std::vector<std::string> consoleLines() const { return headless.console->lines(); }
+    /// Whether every event so far came on the store's callback thread.
+    bool allOnStoreThread() const {
+        const auto thread = headless.sandboxStore->callbackThread();
+        const auto all = listener_->received();
+        return std::all_of(all.begin(), all.end(), [thread](const auto& r) { return r.thread == thread; });
+    }
     /// A new listener, so that a test sees only what follows.
     void listen() {
         listener_ = std::make_shared<ObservingListener>();
         OvixCore::shared().setListener(listener_);
     }
 
-    /// Fetches `products` into the manager, then forgets the events and lines that caused.
-    void loadProducts(std::vector<platform::StoreProduct> products) {
-        std::vector<std::string> ids;
-        for (const auto& product : products) {
-            ids.push_back(product.id);
-        }
-        store().setProducts(std::move(products));
-        await(IAPManager::shared().fetchProducts(ids));
-        listen();
-        this->headless.console->clear();
-    }
-
     std::shared_ptr<ObservingListener> listener_;
 };
-
-using PurchaseFixture = PurchaseFixtureOn<HeadlessTest>;
 
 }  // namespace ovix::test
