@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <initializer_list>
@@ -60,27 +61,44 @@ std::optional<double> numberOf(const Value& value) {
 }
 
 // Seconds since 1970 (a number) or UTC text "YYYY-MM-DDTHH:MM:SSZ".
+// A date only when `seconds` lies where a Date can hold it (about the years 1678 to 2262); converting
+// anything further would overflow.
+std::optional<Date> dateFromSeconds(double seconds) {
+    const double limit = std::chrono::duration<double>(Date::duration::max()).count();
+    if (!std::isfinite(seconds) || std::abs(seconds) >= limit) {
+        return std::nullopt;
+    }
+    return Date(std::chrono::duration_cast<Date::duration>(std::chrono::duration<double>(seconds)));
+}
+
+std::optional<Date> dateFromText(const std::string& text) {
+    int y = 0;
+    unsigned mo = 0, d = 0, h = 0, mi = 0, s = 0;
+    char zone = 0;
+    int consumed = 0;
+    if (std::sscanf(text.c_str(), "%4d-%2u-%2uT%2u:%2u:%2u%c%n", &y, &mo, &d, &h, &mi, &s, &zone,
+                    &consumed) != 7 ||
+        zone != 'Z' || static_cast<std::size_t>(consumed) != text.size() || h >= 24 || mi >= 60 || s >= 60) {
+        return std::nullopt;
+    }
+    using namespace std::chrono;
+    const year_month_day day{year{y}, month{mo}, std::chrono::day{d}};
+    if (!day.ok()) {
+        return std::nullopt;
+    }
+    const sys_seconds at = sys_days(day) + hours(h) + minutes(mi) + seconds(s);
+    return dateFromSeconds(static_cast<double>(at.time_since_epoch().count()));
+}
+
 Date dateOf(const Value& value, const std::string& where) {
-    if (auto seconds = numberOf(value)) {
-        return Date(std::chrono::duration_cast<Date::duration>(std::chrono::duration<double>(*seconds)));
+    auto seconds = numberOf(value);
+    const auto* text = value.asString();
+    if (auto date = seconds ? dateFromSeconds(*seconds) : text ? dateFromText(*text) : std::nullopt) {
+        return *date;
     }
-    if (const auto* text = value.asString()) {
-        int y = 0;
-        unsigned mo = 0, d = 0, h = 0, mi = 0, s = 0;
-        char zone = 0;
-        int consumed = 0;
-        if (std::sscanf(text->c_str(), "%4d-%2u-%2uT%2u:%2u:%2u%c%n", &y, &mo, &d, &h, &mi, &s, &zone,
-                        &consumed) == 7 &&
-            zone == 'Z' && static_cast<std::size_t>(consumed) == text->size() && h < 24 && mi < 60 &&
-            s < 60) {
-            using namespace std::chrono;
-            year_month_day day{year{y}, month{mo}, std::chrono::day{d}};
-            if (day.ok()) {
-                return sys_days(day) + hours(h) + minutes(mi) + seconds(s);
-            }
-        }
-    }
-    fail(where, "needs a \"purchaseDate\": seconds since 1970 or \"YYYY-MM-DDTHH:MM:SSZ\"");
+    fail(where,
+         "needs a \"purchaseDate\": seconds since 1970 or \"YYYY-MM-DDTHH:MM:SSZ\", between the years 1678 "
+         "and 2262");
 }
 
 SandboxStore::Outcome outcomeOf(const Value& value, const std::string& where) {

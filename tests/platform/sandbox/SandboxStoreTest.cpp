@@ -100,7 +100,7 @@ TEST(SandboxCatalog, ReadsEveryPartOfTheFileFormat) {
 }
 
 TEST(SandboxCatalog, RejectsMistakesWithAMessageNamingThePlace) {
-    const std::pair<std::string_view, std::string_view> cases[] = {
+    const std::pair<std::string, std::string_view> cases[] = {
         {R"({"products": [)", "not JSON"},
         {R"([])", "the catalog must be an object"},
         {R"({})", "needs a \"products\" list"},
@@ -114,6 +114,13 @@ TEST(SandboxCatalog, RejectsMistakesWithAMessageNamingThePlace) {
              "purchaseDate": "2024-02-30T00:00:00Z"}]})",
          "\"purchaseDate\""},
         {R"({"products": [], "latency": -1})", "\"latency\""},
+        // Dates a Date cannot hold (once an overflow that read as 1677).
+        {R"({"products": [], "entitlements": [{"productId": "a", "transactionId": 1, "purchaseDate": 9.3e9}]})",
+         "between the years 1678 and 2262"},
+        {R"({"products": [], "entitlements": [{"productId": "a", "transactionId": 1,
+             "purchaseDate": "4048-01-01T00:00:00Z"}]})",
+         "between the years 1678 and 2262"},
+        {R"({"products": [], "deep": )" + std::string(300, '[') + std::string(300, ']') + "}", "not JSON"},
     };
     for (const auto& [json, expected] : cases) {
         std::string error;
