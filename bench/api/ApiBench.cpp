@@ -32,8 +32,11 @@
 #include "ovix/testing/HeadlessPlatform.h"
 #include "platform/curl/CurlHttpClient.h"
 #include "platform/jpeg/JpegImageCodec.h"
+#include "support/PeakMeter.h"
 
 namespace {
+
+using ovix::bench::PeakMeter;
 
 using ovix::platform::RgbaImage;
 
@@ -47,28 +50,6 @@ std::string gBase;
 class NullConsole : public ovix::platform::Console {
   public:
     void printLine(std::string_view) override {}
-};
-
-// ---- memory: resident high-water mark, reset before each measured iteration ----
-
-long statusKb(const char* field) {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line)) {
-        if (line.rfind(field, 0) == 0) {
-            return std::stol(line.substr(std::string(field).size()));
-        }
-    }
-    return 0;
-}
-
-struct PeakMeter {
-    long before = 0;
-    void start() {
-        std::ofstream("/proc/self/clear_refs") << "5";
-        before = statusKb("VmRSS:");
-    }
-    long riseBytes() const { return (statusKb("VmHWM:") - before) * 1024; }
 };
 
 // ---- the server, in a child process ----

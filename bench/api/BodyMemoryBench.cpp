@@ -25,8 +25,11 @@
 #include "ovix/testing/HeadlessPlatform.h"
 #include "platform/curl/CurlHttpClient.h"
 #include "platform/posix/StdoutConsole.h"
+#include "support/PeakMeter.h"
 
 namespace {
+
+using ovix::bench::PeakMeter;
 
 constexpr std::size_t kBodyBytes = std::size_t{31} << 20;
 const char* const kShapes[] = {"/feed", "/numbers", "/strings"};
@@ -51,28 +54,6 @@ std::string makeBody(const std::string& shape) {
     }
     return body + "]}";
 }
-
-long statusKb(const char* field) {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line)) {
-        if (line.rfind(field, 0) == 0) {
-            return std::stol(line.substr(std::string(field).size()));
-        }
-    }
-    return 0;
-}
-
-// The rise of resident memory from `start` to the highest point since.
-struct PeakMeter {
-    long before = 0;
-    void start() {
-        malloc_trim(0);  // what earlier runs freed must not be reused unseen
-        std::ofstream("/proc/self/clear_refs") << "5";
-        before = statusKb("VmRSS:");
-    }
-    double riseBytes() const { return static_cast<double>(statusKb("VmHWM:") - before) * 1024; }
-};
 
 pid_t gServer = -1;
 std::string gBase;
@@ -126,7 +107,7 @@ void LargeBodyThroughTheSdk(benchmark::State& state) {
             state.SkipWithError("the body did not parse");
             return;
         }
-        peak = std::max(peak, meter.riseBytes());
+        peak = std::max(peak, static_cast<double>(meter.riseBytes()));
     }
     state.counters["body_mib"] = static_cast<double>(kBodyBytes) / (1 << 20);
     state.counters["peak_over_body"] = peak / static_cast<double>(kBodyBytes);
@@ -145,7 +126,7 @@ void DocumentParseBaseline(benchmark::State& state) {
         meter.start();
         auto document = nlohmann::json::parse(body, nullptr, false);
         benchmark::DoNotOptimize(document);
-        peak = std::max(peak, meter.riseBytes());
+        peak = std::max(peak, static_cast<double>(meter.riseBytes()));
     }
     state.counters["peak_over_body"] = peak / static_cast<double>(body.size());
 }
