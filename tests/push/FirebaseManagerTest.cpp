@@ -107,28 +107,13 @@ TEST_F(Push, NoUsableOptionsStillAsksAndARefusalRegistersNothing) {
     EXPECT_TRUE(application->calls().empty());
 }
 
-TEST_F(Push, AlreadyConfiguredOnlyWarns) {
-    place("options-xml.plist", "host");
-    headless.pushClient->setHasDefaultApp(true);
-    manager.configure();
-    EXPECT_EQ(lines(), Lines{kAlreadyLine});
-    EXPECT_TRUE(headless.pushClient->configureAttempts().empty());
-    expectDelegatesInstalled(false);
-}
-
-TEST_F(Push, InitSdkRunsThePushSetUpOnEveryCall) {
+TEST_F(Push, InitSdkRunsThePushSetUpOnEveryCallAndOnceConfiguredItOnlyWarns) {
     place("options-xml.plist", "host");
     ovix::OvixCore::shared().initSdk("client-9", "", "", "");
     ovix::OvixCore::shared().initSdk("client-9", "", "", "");
     EXPECT_EQ(lines(), (Lines{kHostLine, kAlreadyLine}));
+    EXPECT_EQ(headless.pushClient->configureAttempts().size(), 1u);
     EXPECT_EQ(headless.notificationCenter->requestCount(), 1);
-}
-
-TEST_F(Push, PermissionGrantedOnAnotherThreadRegistersOnTheMainQueue) {
-    headless.notificationCenter->setDeliverOnBackgroundThread(true);
-    manager.configure();
-    ASSERT_TRUE(headless.mainQueue->runUntil([&] { return !application->calls().empty(); }));
-    EXPECT_EQ(application->calls(), Lines{"register"});
 }
 
 TEST_F(Push, EveryTokenIsCachedPrintedAndSubscribesTheSameTopic) {

@@ -76,9 +76,8 @@ std::unique_ptr<XvfbDisplay> XvfbDisplay::startIfNeeded(std::string& problem, bo
         problem = "Xvfb did not start";
         return nullptr;
     }
-    std::string display = ":" + number;
-    ::setenv("DISPLAY", display.c_str(), 1);
-    return std::unique_ptr<XvfbDisplay>(new XvfbDisplay(pid, std::move(display)));
+    ::setenv("DISPLAY", (":" + number).c_str(), 1);
+    return std::unique_ptr<XvfbDisplay>(new XvfbDisplay(pid));
 }
 
 XvfbDisplay::~XvfbDisplay() {

@@ -18,13 +18,10 @@ class XvfbDisplay {
     XvfbDisplay(const XvfbDisplay&) = delete;
     XvfbDisplay& operator=(const XvfbDisplay&) = delete;
 
-    const std::string& display() const { return display_; }
-
   private:
-    XvfbDisplay(int pid, std::string display) : pid_(pid), display_(std::move(display)) {}
+    explicit XvfbDisplay(int pid) : pid_(pid) {}
 
     int pid_;
-    std::string display_;
 };
 
 }  // namespace ovix::test

@@ -6,6 +6,7 @@
 #include "ui/login/LoginViewController.h"
 
 namespace ovix::test {
+
 namespace {
 
 using kit::host::WebError;
@@ -36,20 +37,15 @@ class LoginViewControllerTest : public LoginScreenTest {
                clientId;
     }
 
-    /// The device record the last injection handed to the page.
-    Value injectedRecord() const {
+    /// Whether the last script handed the page this device's record.
+    bool injectedTheDeviceRecord() const {
         const auto& scripts = page()->evaluatedScripts();
         if (scripts.empty() || scripts.back().rfind(prefix, 0) != 0 || !scripts.back().ends_with(");")) {
-            return Value("no injection");
+            return false;
         }
         const std::string& script = scripts.back();
-        auto parsed = Value::fromJson(script.substr(prefix.size(), script.size() - prefix.size() - 2));
-        return parsed ? *parsed : Value("not JSON");
-    }
-
-    /// The device record as JSON reads it back (numbers come back unsigned).
-    static Value deviceRecord() {
-        return *Value::fromJson(Value(DeviceInfoCollector::buildDeviceInfoJson("", "")).toJson());
+        return Value::fromJson(script.substr(prefix.size(), script.size() - prefix.size() - 2)) ==
+               Value::fromJson(Value(DeviceInfoCollector::buildDeviceInfoJson("", "")).toJson());
     }
 };
 
@@ -75,23 +71,13 @@ TEST_F(LoginViewControllerTest, ShowLoginLoadsTheAuthorisationPageAsAPhoneBrowse
     EXPECT_EQ(web->configuration().userContentController->scriptMessageHandlerNames(),
               std::vector<std::string>{"OvixLoginSuccess"});
     EXPECT_EQ(web->navigationDelegate(), screen);
-    EXPECT_TRUE(h.store->contains(SessionManager::shared().statusKey) == false);
     EXPECT_TRUE(h.webEngine->dataStore->removals().empty());
 
     // The page fills the screen under the overlay and the (hidden) back button.
     EXPECT_EQ(web->frame(), (kit::Rect{0, 0, 390, 844}));
-    const auto& subviews = screen->view()->subviews();
-    ASSERT_EQ(subviews.size(), 3u);
-    EXPECT_EQ(subviews[0], web);
-    EXPECT_EQ(subviews[1], screen->loadingView());
-    EXPECT_EQ(subviews[2], screen->backButton());
+    EXPECT_EQ(screen->view()->subviews(),
+              (std::vector<std::shared_ptr<kit::View>>{web, screen->loadingView(), screen->backButton()}));
     EXPECT_TRUE(screen->backButton()->isHidden());
-}
-
-TEST_F(LoginViewControllerTest, WithoutClientIdTheUrlEndsAtTheParameterAndIsLoaded) {
-    showLogin();
-    ASSERT_EQ(page()->loads().size(), 1u);
-    EXPECT_EQ(page()->loads()[0].url, authUrl(""));
 }
 
 TEST_F(LoginViewControllerTest, AnAddressThatDoesNotParseIsNotLoaded) {
@@ -99,7 +85,6 @@ TEST_F(LoginViewControllerTest, AnAddressThatDoesNotParseIsNotLoaded) {
     auto screen = showLogin();
     ASSERT_NE(page(), nullptr);
     EXPECT_TRUE(page()->loads().empty());
-    EXPECT_EQ(screen->loadingView()->progressView()->progress(), 0.0);
     EXPECT_TRUE(screen->loadingView()->progressView()->layer().animationKeys().empty());
 }
 
@@ -117,7 +102,6 @@ TEST_F(LoginViewControllerTest, TheOverlayFillsItsBarOverFiveSecondsAndHidesPoin
     page()->commitNavigation();
     h.mainQueue->advance(0.79);
     EXPECT_FALSE(loading->isHidden());
-    EXPECT_FALSE(bar->layer().animationKeys().empty());
     h.mainQueue->advance(0.01);
     EXPECT_TRUE(loading->isHidden());
     EXPECT_TRUE(bar->layer().animationKeys().empty());  // the fill stopped at once
@@ -140,30 +124,36 @@ TEST_F(LoginViewControllerTest, AFailedLoadLeavesTheOverlayAndInjectsNothing) {
     EXPECT_TRUE(h.console->lines().empty());
 }
 
-TEST_F(LoginViewControllerTest, AScreenGoneBeforeTheDelayLeavesTheOverlayAlone) {
+TEST_F(LoginViewControllerTest, AScreenThatHasGoneIsKeptAliveByNeitherItsPageNorItsTimer) {
     auto screen = showLogin();
     auto loading = screen->loadingView();
     auto web = page();
     web->startNavigation();
     web->commitNavigation();
+    std::weak_ptr<LoginViewController> weak = screen;
     window()->setRootViewController(kit::ViewController::create());
     screen.reset();
+    EXPECT_TRUE(weak.expired());
+
     h.mainQueue->advance(1);
     EXPECT_FALSE(loading->isHidden());
+    EXPECT_FALSE(web->postMessage("OvixLoginSuccess", Value(Dictionary{{"data", "abc"}})));
+    web->finishNavigation();  // the delegate has gone too
+    EXPECT_TRUE(web->evaluatedScripts().empty());
 }
 
 TEST_F(LoginViewControllerTest, EveryFinishedNavigationHandsThePageTheDeviceRecord) {
     showLogin();
     page()->completeNavigation();
     ASSERT_EQ(page()->evaluatedScripts().size(), 1u);
-    EXPECT_EQ(injectedRecord(), deviceRecord());
+    EXPECT_TRUE(injectedTheDeviceRecord()) << page()->evaluatedScripts().back();
     EXPECT_TRUE(page()->answerScript());
     EXPECT_EQ(h.console->lines(), std::vector<std::string>{"✅ Sent device info to WebView"});
 
     page()->navigateFromPage("https://accounts.example/otp");
     page()->completeNavigation();
     ASSERT_EQ(page()->evaluatedScripts().size(), 2u);
-    EXPECT_EQ(injectedRecord(), deviceRecord());
+    EXPECT_TRUE(injectedTheDeviceRecord()) << page()->evaluatedScripts().back();
     EXPECT_TRUE(page()->failScript(WebError{WebError::Kind::JavaScript, "TypeError: not a function"}));
     EXPECT_EQ(h.console->lines().back(),
               "❌ Failed to send device info: JavaScript error: TypeError: not a function");
@@ -179,11 +169,9 @@ TEST_F(LoginViewControllerTest, AwkwardCharactersReachThePageEscapedBackslashesF
     // JSON writes the name as "A\\B'C\nD\rE"; each backslash is doubled, the apostrophe escaped.
     EXPECT_NE(page()->evaluatedScripts()[0].find(R"("A\\\\B\'C\\nD\\rE")"), std::string::npos)
         << page()->evaluatedScripts()[0];
-
-    // Raw line breaks (which JSON never leaves) and the order of the four replacements.
+    // Raw line breaks, which JSON never leaves.
     EXPECT_EQ(LoginViewController::deviceInfoScript("{'\\\n\r}"),
               "window.onReceiveDeviceInfo({\\'\\\\\\n\\r});");
-    EXPECT_EQ(LoginViewController::deviceInfoScript("\\'"), "window.onReceiveDeviceInfo(\\\\\\');");
 }
 
 TEST_F(LoginViewControllerTest, TheBackButtonFollowsTheBackListAfterEachFinishedNavigation) {
@@ -193,7 +181,6 @@ TEST_F(LoginViewControllerTest, TheBackButtonFollowsTheBackListAfterEachFinished
     web->completeNavigation();
     h.mainQueue->runUntilIdle();
     EXPECT_TRUE(back->isHidden());
-    EXPECT_EQ(screen->webViewTopConstraint()->constant(), 0.0);
 
     web->navigateFromPage("https://accounts.example/register");
     web->startNavigation();
@@ -215,10 +202,8 @@ TEST_F(LoginViewControllerTest, TheBackButtonFollowsTheBackListAfterEachFinished
 
     back->sendActions(kit::ControlEvent::touchUpInside);
     EXPECT_EQ(web->goBackCount(), 1);
-    EXPECT_FALSE(back->isHidden());
     web->completeNavigation();
     EXPECT_TRUE(back->isHidden());
-    EXPECT_EQ(screen->webViewTopConstraint()->constant(), 0.0);
     h.mainQueue->advance(0.25);
     EXPECT_EQ(web->frame(), (kit::Rect{0, 0, 390, 844}));
 
@@ -232,8 +217,7 @@ TEST_F(LoginViewControllerTest, TheTokenMessageStoresTheTokenRaisesTheEventAndCl
     auto game = kit::ViewController::create();
     window()->setRootViewController(game);
     window()->makeKeyAndVisible();
-    auto screen = LoginViewController::create();
-    game->present(kit::NavigationController::create(screen), false);
+    game->present(kit::NavigationController::create(LoginViewController::create()), false);
     h.mainQueue->runUntilIdle();
     ASSERT_NE(game->presentedViewController(), nullptr);
 
@@ -249,38 +233,18 @@ TEST_F(LoginViewControllerTest, TheTokenMessageStoresTheTokenRaisesTheEventAndCl
 
 TEST_F(LoginViewControllerTest, MessagesWithoutAStringTokenChangeNothing) {
     auto screen = showLogin();
-    auto controller = page()->configuration().userContentController;
     for (const Value& body : {Value(Dictionary{{"data", 5}}), Value(Dictionary{{"token", "abc"}}),
                               Value("abc"), Value(Array{Value("abc")}), Value()}) {
         EXPECT_TRUE(page()->postMessage("OvixLoginSuccess", body)) << body;
     }
     // A channel the screen never opened, and a message under another name handed to it anyway.
     EXPECT_FALSE(page()->postMessage("Other", Value(Dictionary{{"data", "abc"}})));
-    screen->userContentControllerDidReceiveScriptMessage(*controller,
+    screen->userContentControllerDidReceiveScriptMessage(*page()->configuration().userContentController,
                                                          {"Other", Value(Dictionary{{"data", "abc"}})});
 
     EXPECT_FALSE(h.store->contains(SessionManager::shared().tokenKey));
     EXPECT_TRUE(listener->received().empty());
     EXPECT_EQ(shownScreen<LoginViewController>(), screen);
-}
-
-TEST_F(LoginViewControllerTest, WithoutAListenerTheTokenIsStillSaved) {
-    OvixCore::shared().setListener(nullptr);
-    showLogin();
-    page()->postMessage("OvixLoginSuccess", Value(Dictionary{{"data", "xyz"}}));
-    EXPECT_EQ(stored(SessionManager::shared().tokenKey), "xyz");
-}
-
-TEST_F(LoginViewControllerTest, TheChannelDoesNotKeepTheScreenAlive) {
-    auto screen = showLogin();
-    auto web = page();
-    std::weak_ptr<LoginViewController> weak = screen;
-    window()->setRootViewController(kit::ViewController::create());
-    screen.reset();
-    EXPECT_TRUE(weak.expired());
-    EXPECT_FALSE(web->postMessage("OvixLoginSuccess", Value(Dictionary{{"data", "abc"}})));
-    web->completeNavigation();  // the delegate has gone too
-    EXPECT_TRUE(web->evaluatedScripts().empty());
 }
 
 TEST_F(LoginViewControllerTest, AfterALogoutTheWebsiteDataIsWipedBeforeThePageLoads) {
@@ -297,14 +261,13 @@ TEST_F(LoginViewControllerTest, AfterALogoutTheWebsiteDataIsWipedBeforeThePageLo
                                          WebsiteDataType::MemoryCache}));
     EXPECT_EQ(removal.modifiedSince, Date{});
     EXPECT_EQ(h.webEngine->madeCount(), 0u);
-    EXPECT_EQ(screen->webView(), nullptr);
 
     EXPECT_EQ(h.webEngine->dataStore->releaseHeld(), 1u);
     h.mainQueue->runUntilIdle();
     EXPECT_EQ(h.console->lines(), std::vector<std::string>{"🧹 WebView cache cleared"});
     ASSERT_NE(page(), nullptr);
     ASSERT_EQ(page()->loads().size(), 1u);
-    EXPECT_EQ(page()->loads()[0].url, authUrl(""));
+    EXPECT_EQ(page()->loads()[0].url, authUrl("")) << "no client id: the address ends at the parameter";
     EXPECT_EQ(stored(SessionManager::shared().statusKey), "logout");  // stays until the next token
 
     // The overlay and back button stay in front of the late web view.
