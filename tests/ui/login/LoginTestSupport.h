@@ -28,7 +28,7 @@ class LoginScreenTest : public ::testing::Test {
     explicit LoginScreenTest(bool withLogo = true) {
         std::filesystem::create_directories(dir_ / "OvixSdkResources.bundle");
         if (withLogo) {
-            dir_.write("OvixSdkResources.bundle/ic_sdk_splash.png", pngHeader(512, 512));
+            dir_.write("OvixSdkResources.bundle/ic_sdk_splash.png", "the screens only place it");
         }
         accounts.reset();
         accounts.on(userInfoPath, LoopbackServer::Reply{200, R"({"Data":{"Name":"Player"}})"});
@@ -55,16 +55,6 @@ class LoginScreenTest : public ::testing::Test {
 
     void setStored(const std::string& key, const std::string& value) { h.store->setString(key, value); }
     std::string stored(const std::string& key) const { return SessionManager::readString(key); }
-
-    static std::string pngHeader(unsigned width, unsigned height) {
-        std::string bytes("\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR", 16);
-        for (unsigned v : {width, height}) {
-            for (int shift = 24; shift >= 0; shift -= 8) {
-                bytes.push_back(static_cast<char>((v >> shift) & 0xFF));
-            }
-        }
-        return bytes + std::string("\x08\x06\0\0\0", 5);
-    }
 
     LoopbackServer& accounts = LoopbackServer::shared();
     testing::HeadlessPlatform h;

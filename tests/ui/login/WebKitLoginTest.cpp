@@ -1,7 +1,6 @@
 // The login screen on the real desktop engine: WebKitGTK under a private X server, the accounts
 // host played by a loopback server, the main queue on GLib's main loop.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <filesystem>
@@ -20,6 +19,7 @@
 #include "support/GtkTestEnvironment.h"
 #include "support/LoopbackServer.h"
 #include "support/RecordingListener.h"
+#include "support/ScratchDirectory.h"
 #include "ui/login/LoginViewController.h"
 
 namespace ovix::test {
@@ -88,13 +88,7 @@ TEST_F(WebKitLoginTest, ThePageGetsTheDeviceRecordAndHandsBackTheToken) {
               nlohmann::json::parse(
                   DeviceInfoCollector::toJsonString(DeviceInfoCollector::buildDeviceInfoJson("", ""))));
 
-    ASSERT_TRUE(pumpUntil([&] { return h.console->hasLine("✅ Sent device info to WebView"); }));
-    // The overlay goes 0.8 s after the page committed.
-    auto navigation = std::dynamic_pointer_cast<kit::NavigationController>(
-        h.application->windows().front()->rootViewController());
-    auto screen = std::dynamic_pointer_cast<LoginViewController>(navigation->topViewController());
-    ASSERT_NE(screen, nullptr);
-    EXPECT_TRUE(pumpUntil([&] { return screen->loadingView()->isHidden(); }));
+    EXPECT_TRUE(pumpUntil([&] { return h.console->hasLine("✅ Sent device info to WebView"); }));
 }
 
 TEST_F(WebKitLoginTest, AfterALogoutTheCookiesThePageSetAreGone) {
@@ -139,37 +133,25 @@ TEST_F(WebKitLoginTest, AChannelOpenedAfterTheViewWasMadeReachesThePage) {
     EXPECT_EQ(channel->bodies[0], Value(Array{Value(1u), Value("two")}));
 }
 
-// The login window as a player sees it on the desktop: the kit's views drawn around the real page.
-class LoginWindowTest : public WebKitLoginTest {
-  protected:
-    LoginWindowTest() : WebKitLoginTest(makeBundle()) {}
-    ~LoginWindowTest() override {
-        std::error_code ignored;
-        std::filesystem::remove_all(bundleDirectory(), ignored);
-    }
-
-    static std::filesystem::path bundleDirectory() {
-        return std::filesystem::temp_directory_path() / ("ovix-login-window-" + std::to_string(::getpid()));
-    }
-
-    /// The SDK's resources with its logo, drawn here: a red disc with a white ring.
-    static std::filesystem::path makeBundle() {
-        const auto bundle = bundleDirectory();
-        std::filesystem::create_directories(bundle / "OvixSdkResources.bundle");
-        cairo_surface_t* logo = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 300, 300);
+/// The SDK's resources with its logo, drawn here: a red square.
+struct LogoBundle {
+    LogoBundle() {
+        std::filesystem::create_directories(dir / "OvixSdkResources.bundle");
+        cairo_surface_t* logo = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 300, 300);
         cairo_t* cr = cairo_create(logo);
         cairo_set_source_rgb(cr, 0.86, 0.12, 0.16);
-        cairo_arc(cr, 150, 150, 140, 0, 2 * M_PI);
-        cairo_fill(cr);
-        cairo_set_source_rgb(cr, 1, 1, 1);
-        cairo_set_line_width(cr, 36);
-        cairo_arc(cr, 150, 150, 70, 0, 2 * M_PI);
-        cairo_stroke(cr);
+        cairo_paint(cr);
         cairo_destroy(cr);
-        cairo_surface_write_to_png(logo, (bundle / "OvixSdkResources.bundle" / "ic_sdk_splash.png").c_str());
+        cairo_surface_write_to_png(logo, (dir / "OvixSdkResources.bundle" / "ic_sdk_splash.png").c_str());
         cairo_surface_destroy(logo);
-        return bundle;
     }
+    ScratchDirectory dir{"ovix-login-window"};
+};
+
+// The login window as a player sees it on the desktop: the kit's views drawn around the real page.
+class LoginWindowTest : private LogoBundle, public WebKitLoginTest {
+  protected:
+    LoginWindowTest() : WebKitLoginTest(dir.path()) {}
 
     /// Whether two 0xRRGGBB colours differ by at most `tolerance` in every channel.
     static bool near(unsigned a, unsigned b, int tolerance = 2) {
