@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
-
 #include "ovix/testing/HeadlessPlatform.h"
+#include "support/ScratchDirectory.h"
 
 namespace {
 
@@ -11,16 +10,11 @@ namespace fs = std::filesystem;
 class ResourceLookup : public ::testing::Test {
   protected:
     void SetUp() override {
-        root = fs::temp_directory_path() /
-               ("ovix-bundle-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "-" +
-                ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(root);
         fs::create_directories(root / "code");
         fs::create_directories(root / "host");
     }
-    void TearDown() override { fs::remove_all(root); }
 
-    static void touch(const fs::path& p) { std::ofstream(p) << "x"; }
+    void touch(const fs::path& relative) { root.write(relative, "x"); }
 
     ovix::platform::Bundle sdkBundle() {
         ovix::testing::HeadlessPlatform::Options options;
@@ -29,12 +23,11 @@ class ResourceLookup : public ::testing::Test {
         return ovix::testing::HeadlessPlatform::create(options).platform->sdkBundle();
     }
 
-    fs::path root;
+    ovix::test::ScratchDirectory root{"ovix-bundle"};
 };
 
 TEST_F(ResourceLookup, UsesTheResourcesBundleInsideTheCodeBundle) {
-    fs::create_directories(root / "code" / "OvixSdkResources.bundle");
-    touch(root / "code" / "OvixSdkResources.bundle" / "ic_sdk_float.png");
+    touch("code/OvixSdkResources.bundle/ic_sdk_float.png");
     auto bundle = sdkBundle();
     EXPECT_EQ(bundle.directory(), root / "code" / "OvixSdkResources.bundle");
     EXPECT_EQ(bundle.imagePath("ic_sdk_float"),
@@ -43,16 +36,16 @@ TEST_F(ResourceLookup, UsesTheResourcesBundleInsideTheCodeBundle) {
 }
 
 TEST_F(ResourceLookup, FallsBackToTheCodeBundleWhenMissingOrNotABundle) {
-    touch(root / "code" / "user.png");
+    touch("code/user.png");
     EXPECT_EQ(sdkBundle().directory(), root / "code");
     EXPECT_TRUE(sdkBundle().imagePath("user"));
 
-    touch(root / "code" / "OvixSdkResources.bundle");  // a plain file is not a bundle
+    touch("code/OvixSdkResources.bundle");  // a plain file is not a bundle
     EXPECT_EQ(sdkBundle().directory(), root / "code");
 }
 
 TEST_F(ResourceLookup, FilesByNameAndType) {
-    touch(root / "host" / "GoogleService-Info.plist");
+    touch("host/GoogleService-Info.plist");
     ovix::platform::Bundle host(root / "host");
     EXPECT_EQ(host.pathForResource("GoogleService-Info", "plist"),
               root / "host" / "GoogleService-Info.plist");

@@ -7,7 +7,6 @@
 #include "ovix/OvixCore.h"
 #include "ovix/testing/HeadlessPlatform.h"
 #include "push/FirebaseManager.h"
-#include "push/RecordingApplication.h"
 #include "support/ScratchDirectory.h"
 
 namespace {
@@ -32,8 +31,6 @@ class Push : public ::testing::Test {
         options.mainResources = root / "host";
         options.codeResources = root / "sdk";
         headless = ovix::testing::HeadlessPlatform::create(options);
-        application = std::make_shared<ovix::test::RecordingApplication>(headless.mainQueue);
-        headless.platform->application = application;
         headless.install();
         headless.store->setString(ovix::SessionManager::shared().clientIdKey, "client-7");
     }
@@ -50,16 +47,16 @@ class Push : public ::testing::Test {
         headless.console->clear();
     }
     Lines lines() const { return headless.console->lines(); }
-    void expectDelegatesInstalled(bool installed) {
-        EXPECT_EQ(headless.pushClient->delegate().get(), installed ? &manager : nullptr);
-        EXPECT_EQ(headless.notificationCenter->delegate().get(), installed ? &manager : nullptr);
-        EXPECT_EQ(headless.notificationCenter->requestCount(), installed ? 1 : 0);
+    int registrations() const { return headless.application->remoteNotificationRegistrations(); }
+    void expectDelegatesInstalledAndPermissionAsked() {
+        EXPECT_EQ(headless.pushClient->delegate().get(), &manager);
+        EXPECT_EQ(headless.notificationCenter->delegate().get(), &manager);
+        EXPECT_EQ(headless.notificationCenter->requestCount(), 1);
     }
 
     FirebaseManager& manager = FirebaseManager::shared();
     ovix::test::ScratchDirectory root{"ovix-push"};
     ovix::testing::HeadlessPlatform headless;
-    std::shared_ptr<ovix::test::RecordingApplication> application;
 };
 
 TEST_F(Push, HostOptionsComeFirstThenDelegatesAndPermissionRequest) {
@@ -70,11 +67,11 @@ TEST_F(Push, HostOptionsComeFirstThenDelegatesAndPermissionRequest) {
     EXPECT_EQ(lines(), Lines{kHostLine});
     ASSERT_TRUE(headless.pushClient->configuredOptions());
     EXPECT_EQ(headless.pushClient->configuredOptions()->googleAppId, "1:123456789012:ios:abcdef0123456789");
-    expectDelegatesInstalled(true);
+    expectDelegatesInstalledAndPermissionAsked();
     EXPECT_EQ(headless.notificationCenter->lastRequestOptions(), 7u);
-    EXPECT_TRUE(application->calls().empty()) << "granted inline, yet registered only from the main queue";
+    EXPECT_EQ(registrations(), 0) << "granted inline, yet registered only from the main queue";
     headless.mainQueue->runUntilIdle();
-    EXPECT_EQ(application->calls(), Lines{"register"});
+    EXPECT_EQ(registrations(), 1);
 }
 
 TEST_F(Push, OptionsOnlyInTheSdkBundleAreUsedWithTheSecondLine) {
@@ -103,32 +100,17 @@ TEST_F(Push, NoUsableOptionsStillAsksAndARefusalRegistersNothing) {
     headless.mainQueue->runUntilIdle();
     EXPECT_EQ(lines(), Lines{kNotFoundLine});
     EXPECT_FALSE(headless.pushClient->hasDefaultApp());
-    expectDelegatesInstalled(true);
-    EXPECT_TRUE(application->calls().empty());
+    expectDelegatesInstalledAndPermissionAsked();
+    EXPECT_EQ(registrations(), 0);
 }
 
-TEST_F(Push, AlreadyConfiguredOnlyWarns) {
-    place("options-xml.plist", "host");
-    headless.pushClient->setHasDefaultApp(true);
-    manager.configure();
-    EXPECT_EQ(lines(), Lines{kAlreadyLine});
-    EXPECT_TRUE(headless.pushClient->configureAttempts().empty());
-    expectDelegatesInstalled(false);
-}
-
-TEST_F(Push, InitSdkRunsThePushSetUpOnEveryCall) {
+TEST_F(Push, InitSdkRunsThePushSetUpOnEveryCallAndOnceConfiguredItOnlyWarns) {
     place("options-xml.plist", "host");
     ovix::OvixCore::shared().initSdk("client-9", "", "", "");
     ovix::OvixCore::shared().initSdk("client-9", "", "", "");
     EXPECT_EQ(lines(), (Lines{kHostLine, kAlreadyLine}));
+    EXPECT_EQ(headless.pushClient->configureAttempts().size(), 1u);
     EXPECT_EQ(headless.notificationCenter->requestCount(), 1);
-}
-
-TEST_F(Push, PermissionGrantedOnAnotherThreadRegistersOnTheMainQueue) {
-    headless.notificationCenter->setDeliverOnBackgroundThread(true);
-    manager.configure();
-    ASSERT_TRUE(headless.mainQueue->runUntil([&] { return !application->calls().empty(); }));
-    EXPECT_EQ(application->calls(), Lines{"register"});
 }
 
 TEST_F(Push, EveryTokenIsCachedPrintedAndSubscribesTheSameTopic) {
@@ -144,7 +126,6 @@ TEST_F(Push, EveryTokenIsCachedPrintedAndSubscribesTheSameTopic) {
     EXPECT_EQ(headless.pushClient->subscriptions(), (Lines{"games-dev-client-7", "games-dev-client-7"}));
     EXPECT_EQ(lines(), (Lines{"📲 FCM Token: token-1", "✅ Subscribed to topic: games-dev-client-7",
                               "📲 FCM Token: token-2", "✅ Subscribed to topic: games-dev-client-7"}));
-    EXPECT_FALSE(manager.apnsTokenReady());
 }
 
 TEST_F(Push, TopicKeepsTheHyphenWithoutClientIdAndReportsFailures) {
@@ -159,32 +140,25 @@ TEST_F(Push, TopicKeepsTheHyphenWithoutClientIdAndReportsFailures) {
                "❌ Failed to subscribe to topic games-dev-: The Internet connection appears to be offline."}));
 }
 
-TEST_F(Push, ForegroundNotificationIsLoggedShownAndItsLinkOpenedOnTheMainQueue) {
-    configured();
-    Dictionary data{
-        {"url", "https://ovix.vn/event?id=7"}, {"reward", "100"}, {"type", "gift"}, {"icon", "i.png"}};
-    EXPECT_EQ(headless.notificationCenter->presentInForeground(data), 19u);
-    EXPECT_EQ(
-        lines(),
-        Lines{"Notification Data - reward: 100, type: gift, icon: i.png, url: https://ovix.vn/event?id=7"});
-    EXPECT_EQ(application->calls(), Lines{"register"}) << "opened later, on the main queue";
-    headless.mainQueue->runUntilIdle();
-    EXPECT_EQ(application->calls(), (Lines{"register", "open https://ovix.vn/event?id=7"}));
-}
-
-TEST_F(Push, NonTextValuesLogAsEmptyBadLinksAreIgnoredAndATapOnlyCompletes) {
+TEST_F(Push, ForegroundNotificationsAreLoggedAndShownAndOnlyAValidLinkOpensOnTheMainQueue) {
     configured();
     for (const Dictionary& data :
          {Dictionary{{"reward", 100}, {"type", true}}, Dictionary{{"url", "not a url"}, {"icon", "x"}},
-          Dictionary{{"url", 42}}}) {
+          Dictionary{{"url", 42}},
+          Dictionary{
+              {"url", "https://ovix.vn/e?id=7"}, {"reward", "100"}, {"type", "gift"}, {"icon", "i.png"}}}) {
         EXPECT_EQ(headless.notificationCenter->presentInForeground(data), 19u);
     }
     EXPECT_TRUE(headless.notificationCenter->tap(Dictionary{{"url", "https://ovix.vn"}, {"reward", "5"}}));
+    EXPECT_TRUE(headless.application->openedUrls().empty()) << "opened later, on the main queue";
     headless.mainQueue->runUntilIdle();
-    EXPECT_EQ(lines(), (Lines{"Notification Data - reward: , type: , icon: , url: ",
-                              "Notification Data - reward: , type: , icon: x, url: not a url",
-                              "Notification Data - reward: , type: , icon: , url: "}));
-    EXPECT_EQ(application->calls(), Lines{"register"}) << "nothing opened";
+    EXPECT_EQ(
+        lines(),
+        (Lines{"Notification Data - reward: , type: , icon: , url: ",
+               "Notification Data - reward: , type: , icon: x, url: not a url",
+               "Notification Data - reward: , type: , icon: , url: ",
+               "Notification Data - reward: 100, type: gift, icon: i.png, url: https://ovix.vn/e?id=7"}));
+    EXPECT_EQ(headless.application->openedUrls(), Lines{"https://ovix.vn/e?id=7"}) << "a tap opens nothing";
 }
 
 TEST(PushUrl, AbsoluteUrlsWithAUriAlphabetAreValid) {

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #include "ovix/OvixCore.h"
 #include "ovix/testing/HeadlessPlatform.h"
 
@@ -15,11 +13,25 @@ struct Answer {
     bool onMainThread = false;
 };
 
+/// A centre that, once told to stutter, answers every status question twice, as a misbehaving
+/// system service might.
+class StutteringCentre : public ovix::testing::FakeNotificationCenter {
+  public:
+    void getAuthorizationStatus(std::function<void(AuthorizationStatus)> completion) override {
+        if (stutter) {
+            FakeNotificationCenter::getAuthorizationStatus(completion);
+        }
+        FakeNotificationCenter::getAuthorizationStatus(std::move(completion));
+    }
+    bool stutter = false;
+};
+
 class Permission : public ::testing::TestWithParam<bool /*background centre*/> {
   protected:
     void SetUp() override {
+        headless.platform->notificationCenter = centre;
         headless.install();
-        headless.notificationCenter->setDeliverOnBackgroundThread(GetParam());
+        centre->setDeliverOnBackgroundThread(GetParam());
     }
 
     // Asks, checks that nothing arrived inline, then waits for the main queue.
@@ -38,53 +50,48 @@ class Permission : public ::testing::TestWithParam<bool /*background centre*/> {
     }
 
     ovix::testing::HeadlessPlatform headless = ovix::testing::HeadlessPlatform::create();
+    std::shared_ptr<StutteringCentre> centre = std::make_shared<StutteringCentre>();
 };
 
-TEST_P(Permission, AuthorisedAndProvisionalReportTrueWithoutPrompt) {
-    for (auto status : {AuthorizationStatus::Authorized, AuthorizationStatus::Provisional}) {
-        headless.notificationCenter->setStatus(status);
+TEST_P(Permission, EachStatusAnswersOnceOnTheMainQueueAndOnlyAnUndecidedOnePrompts) {
+    const struct {
+        AuthorizationStatus status;
+        bool granted;  // what a prompt would answer
+        std::optional<std::string> error;
+        bool expected;
+        int prompts;
+    } cases[] = {
+        {AuthorizationStatus::Authorized, false, {}, true, 0},
+        {AuthorizationStatus::Provisional, false, {}, true, 0},
+        {AuthorizationStatus::Denied, true, {}, false, 0},
+        {AuthorizationStatus::Ephemeral, true, {}, false, 0},
+        // An error counts only through the granted flag.
+        {AuthorizationStatus::NotDetermined, true, "spurious error", true, 1},
+        {AuthorizationStatus::NotDetermined, false, "user said no", false, 1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(static_cast<int>(c.status));
+        const int before = centre->requestCount();
+        centre->setStatus(c.status);
+        centre->setAnswer(c.granted, c.error);
         auto a = ask();
         EXPECT_EQ(a.calls, 1);
-        EXPECT_TRUE(a.value);
+        EXPECT_EQ(a.value, c.expected);
         EXPECT_TRUE(a.onMainThread);
+        EXPECT_EQ(centre->requestCount() - before, c.prompts);
     }
-    EXPECT_EQ(headless.notificationCenter->requestCount(), 0);
+    EXPECT_EQ(centre->lastRequestOptions(), 7u) << "alert, sound and badge";
+
+    // Decided by the last prompt: asking again reports without another.
+    centre->setAnswer(true);
+    EXPECT_FALSE(ask().value);
+    EXPECT_EQ(centre->requestCount(), 2);
 }
 
-TEST_P(Permission, DeniedAndOtherStatusesReportFalseWithoutPrompt) {
-    for (auto status : {AuthorizationStatus::Denied, AuthorizationStatus::Ephemeral}) {
-        headless.notificationCenter->setStatus(status);
-        auto a = ask();
-        EXPECT_EQ(a.calls, 1);
-        EXPECT_FALSE(a.value);
-        EXPECT_TRUE(a.onMainThread);
-    }
-    EXPECT_EQ(headless.notificationCenter->requestCount(), 0);
-}
-
-TEST_P(Permission, NotDeterminedPromptsOnceWithAlertSoundBadge) {
-    headless.notificationCenter->setStatus(AuthorizationStatus::NotDetermined);
-    headless.notificationCenter->setAnswer(true);
-    auto a = ask();
-    EXPECT_EQ(a.calls, 1);
-    EXPECT_TRUE(a.value);
-    EXPECT_EQ(headless.notificationCenter->requestCount(), 1);
-    EXPECT_EQ(headless.notificationCenter->lastRequestOptions(), 7u);
-
-    // Decided now: asking again reports without a second prompt.
-    EXPECT_TRUE(ask().value);
-    EXPECT_EQ(headless.notificationCenter->requestCount(), 1);
-}
-
-TEST_P(Permission, RequestErrorCountsOnlyThroughTheGrantedFlag) {
-    headless.notificationCenter->setAnswer(false, "user said no");
-    auto a = ask();
-    EXPECT_EQ(a.calls, 1);
-    EXPECT_FALSE(a.value);
-
-    headless.notificationCenter->setStatus(AuthorizationStatus::NotDetermined);
-    headless.notificationCenter->setAnswer(true, "spurious error");
-    EXPECT_TRUE(ask().value);
+TEST_P(Permission, ACentreThatAnswersTwiceIsHeardOnce) {
+    centre->setStatus(AuthorizationStatus::Authorized);
+    centre->stutter = true;
+    EXPECT_EQ(ask().calls, 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(CentreAnswering, Permission, ::testing::Values(false, true),

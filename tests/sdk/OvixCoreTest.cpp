@@ -37,9 +37,7 @@ TEST(OvixEventsValues, AreTheContractedStrings) {
     EXPECT_EQ(OvixEvents::PURCHASES_RESTORED, "OvixPurchaseRestored");
 }
 
-TEST_F(Core, SharedIsOneInstanceWithFixedEnvironment) {
-    EXPECT_EQ(&OvixCore::shared(), &core);
-    EXPECT_EQ(core.topicFirebase(), "games-dev");
+TEST_F(Core, TheBackendAddressesAreHttpsWithoutATrailingSlash) {
     EXPECT_EQ(core.urlString().rfind("https://", 0), 0u);
     EXPECT_EQ(core.urlGraph().rfind("https://", 0), 0u);
     EXPECT_NE(core.urlString().back(), '/');

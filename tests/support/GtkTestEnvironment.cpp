@@ -1,30 +1,89 @@
 // A display, private web data directories and an initialised GTK for every test of this binary.
 #include "support/GtkTestEnvironment.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
-#include <memory>
 #include <string>
-
-#include "support/XvfbDisplay.h"
 
 namespace ovix::test {
 
 namespace {
 
+// Starts a private X server on a free display and points DISPLAY at it. Returns its process id, or
+// -1 with `problem` saying why (`notInstalled` when there is no Xvfb to run).
+pid_t startXvfb(std::string& problem, bool& notInstalled) {
+    int fds[2];
+    if (::pipe(fds) != 0) {
+        problem = "pipe failed";
+        return -1;
+    }
+    const pid_t pid = ::fork();
+    if (pid < 0) {
+        problem = "fork failed";
+        return -1;
+    }
+    if (pid == 0) {
+        // The server goes with the test process, even when that one crashes.
+        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+        ::close(fds[0]);
+        const std::string fd = std::to_string(fds[1]);
+        const int devnull = ::open("/dev/null", O_WRONLY);
+        ::dup2(devnull, STDOUT_FILENO);
+        ::dup2(devnull, STDERR_FILENO);
+        // -displayfd: Xvfb picks a free display and writes its number once it accepts connections.
+        ::execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "1280x1024x24", "-nolisten", "tcp",
+                 static_cast<char*>(nullptr));
+        ::_exit(127);
+    }
+    ::close(fds[1]);
+    std::string number;
+    char c;
+    while (::read(fds[0], &c, 1) == 1 && c != '\n') {
+        number.push_back(c);
+    }
+    ::close(fds[0]);
+    if (number.empty()) {
+        int status = 0;
+        ::kill(pid, SIGTERM);
+        ::waitpid(pid, &status, 0);
+        notInstalled = WIFEXITED(status) && WEXITSTATUS(status) == 127;  // the exec failed
+        problem = notInstalled ? "Xvfb is not installed" : "Xvfb did not start";
+        return -1;
+    }
+    ::setenv("DISPLAY", (":" + number).c_str(), 1);
+    return pid;
+}
+
 class GtkTestEnvironment : public ::testing::Environment {
   public:
-    void SetUp() override {
-        std::string problem;
-        bool notInstalled = false;
-        display_ = XvfbDisplay::startIfNeeded(problem, notInstalled);
-        if (notInstalled) {
-            GTEST_SKIP() << problem;
+    ~GtkTestEnvironment() override {
+        if (xvfb_ > 0) {
+            ::kill(xvfb_, SIGTERM);
+            ::waitpid(xvfb_, nullptr, 0);
+            ::unsetenv("DISPLAY");
         }
-        ASSERT_TRUE(problem.empty()) << problem;
+    }
+
+    void SetUp() override {
+        // Without a display of its own, the binary starts a private X server.
+        const char* display = std::getenv("DISPLAY");
+        if (display == nullptr || *display == '\0') {
+            std::string problem;
+            bool notInstalled = false;
+            xvfb_ = startXvfb(problem, notInstalled);
+            if (notInstalled) {
+                GTEST_SKIP() << problem;
+            }
+            ASSERT_GT(xvfb_, 0) << problem;
+        }
 
         // Cookies, caches and local storage of the engine go to a directory of this run only.
         char pattern[] = "/tmp/ovix-webkit-XXXXXX";
@@ -52,7 +111,7 @@ class GtkTestEnvironment : public ::testing::Environment {
     }
 
   private:
-    std::unique_ptr<XvfbDisplay> display_;
+    pid_t xvfb_ = -1;
     std::filesystem::path home_;
 };
 

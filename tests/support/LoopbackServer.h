@@ -18,30 +18,26 @@
 namespace ovix::test {
 
 /// A cpp-httplib server on an ephemeral loopback port that answers by path and records every
-/// request as it arrived on the wire. Link `ovix_loopback_server` (tests/api/CMakeLists.txt).
+/// request as it arrived on the wire: the backend for the HTTP client and API tests, the web site
+/// for the web engine tests. Link `ovix_loopback_server`.
 ///
-/// `OvixCore` copies the backend address once per process, so a test binary uses ONE server,
-/// `LoopbackServer::shared()`, and installs a platform pointing at it before anything touches
-/// `OvixCore` — see `ovix::test::ApiTest` in tests/api/ApiTest.h, or in short:
-///
-///     auto& server = LoopbackServer::shared();
-///     server.reset();  // forget other tests' answers and records
-///     HeadlessPlatform::Options options;
-///     options.environment = platform::Environment::emulator(server.baseUrl());
-///     auto h = HeadlessPlatform::create(options);
-///     h.platform->http = std::make_shared<platform::CurlHttpClient>();
-///     h.install();
-///     server.on("/billing/check", {200, R"({"eligible":true})"});
+/// `OvixCore` copies the backend address once per process, so a test binary that goes through the
+/// facade uses one server for the whole process (`LoopbackServer::shared()`, or a static of its own)
+/// and installs a platform pointing at it before anything touches `OvixCore` (see `ApiTest` in
+/// tests/api/ApiTest.h). Another instance is another origin (its own port).
 class LoopbackServer {
   public:
+    using Headers = std::multimap<std::string, std::string>;
+
     struct Request {
         std::string method;
         std::string target;  ///< path and query exactly as sent
         std::string path;    ///< decoded, without the query
-        std::multimap<std::string, std::string> headers;
+        Headers headers;
         std::string body;    ///< raw bytes, multipart bodies included
         int remotePort = 0;  ///< equal ports mean a reused connection
 
+        /// The value of header `name` (any case); empty when absent.
         std::string header(const std::string& name) const {
             for (const auto& [key, value] : headers) {
                 if (lower(key) == lower(name)) {
@@ -64,16 +60,22 @@ class LoopbackServer {
 
     struct Reply {
         int status = 200;
-        std::string body;
+        std::string body = {};
         std::string contentType = "application/json";
-        bool stall = false;  ///< hold the answer until `releaseStalled()` (a server that hangs)
+        bool stall = false;    ///< hold the answer until `releaseStalled()` (a server that hangs)
+        Headers headers = {};  ///< extra headers, such as Set-Cookie
     };
     using Handler = std::function<Reply(const Request&)>;
 
-    LoopbackServer() : LoopbackServer(std::make_unique<httplib::Server>(), "http") {}
+    /// Whether a connection carries further requests. Stopping waits for idle connections, which a
+    /// browser keeps open: a server that a browser talks to closes each after one answer.
+    enum class Connections { Reused, OnePerRequest };
+
+    explicit LoopbackServer(Connections connections = Connections::Reused)
+        : LoopbackServer(std::make_unique<httplib::Server>(), "http", connections) {}
     /// HTTPS with this certificate and key.
     LoopbackServer(X509* cert, EVP_PKEY* key)
-        : LoopbackServer(std::make_unique<httplib::SSLServer>(cert, key), "https") {}
+        : LoopbackServer(std::make_unique<httplib::SSLServer>(cert, key), "https", Connections::Reused) {}
     ~LoopbackServer() {
         releaseStalled();
         server_->stop();
@@ -87,6 +89,7 @@ class LoopbackServer {
     }
 
     std::string baseUrl() const { return scheme_ + "://127.0.0.1:" + std::to_string(port_); }
+    std::string url(const std::string& path) const { return baseUrl() + path; }
     int port() const { return port_; }
 
     /// Answers `path` (no query); other paths get 404.
@@ -96,6 +99,10 @@ class LoopbackServer {
     }
     void on(const std::string& path, Reply reply) {
         on(path, [reply](const Request&) { return reply; });
+    }
+    /// Serves `html` at `path` as a web page.
+    void page(const std::string& path, std::string html, Headers headers = {}) {
+        on(path, Reply{200, std::move(html), "text/html; charset=utf-8", false, std::move(headers)});
     }
     /// Forgets answers and records; releases stalled answers.
     void reset() {
@@ -107,6 +114,18 @@ class LoopbackServer {
     std::vector<Request> requests() const {
         std::lock_guard lock(mutex_);
         return requests_;
+    }
+    std::size_t countFor(const std::string& path) const {
+        std::lock_guard lock(mutex_);
+        return static_cast<std::size_t>(std::count_if(requests_.begin(), requests_.end(),
+                                                      [&](const Request& r) { return r.path == path; }));
+    }
+    /// The last request for `path`; an empty record when there was none.
+    Request lastFor(const std::string& path) const {
+        std::lock_guard lock(mutex_);
+        auto it = std::find_if(requests_.rbegin(), requests_.rend(),
+                               [&](const Request& r) { return r.path == path; });
+        return it == requests_.rend() ? Request{} : *it;
     }
     /// Waits (real time, bounded) until `count` requests have arrived.
     bool waitForRequests(std::size_t count) const {
@@ -127,10 +146,16 @@ class LoopbackServer {
         return text;
     }
 
-    LoopbackServer(std::unique_ptr<httplib::Server> server, std::string scheme)
+    LoopbackServer(std::unique_ptr<httplib::Server> server, std::string scheme, Connections connections)
         : server_(std::move(server)), scheme_(std::move(scheme)) {
         server_->new_task_queue = [] { return new httplib::ThreadPool(16); };  // room for stalled answers
-        server_->set_keep_alive_max_count(1000000);
+        if (connections == Connections::Reused) {
+            server_->set_keep_alive_max_count(1000000);
+        } else {
+            // Browsers also open connections ahead of need; one still idle after a second is dropped.
+            server_->set_keep_alive_max_count(1);
+            server_->set_keep_alive_timeout(1);
+        }
         server_->set_tcp_nodelay(true);
         // cpp-httplib would parse a multipart body into parts and drop the raw bytes: hide the type
         // while the body is read; `handle` puts it back.
@@ -147,6 +172,7 @@ class LoopbackServer {
         server_->Get(".*", serve).Post(".*", serve).Put(".*", serve).Delete(".*", serve);
         port_ = server_->bind_to_any_port("127.0.0.1");
         thread_ = std::thread([this] { server_->listen_after_bind(); });
+        // stop() before the loop runs would be lost and the join in the destructor would never return.
         while (!server_->is_running()) {
             std::this_thread::yield();
         }
@@ -182,6 +208,9 @@ class LoopbackServer {
             return;
         }
         out.status = reply.status;
+        for (const auto& [name, value] : reply.headers) {
+            out.set_header(name.c_str(), value);
+        }
         out.set_content(reply.body, reply.contentType.c_str());
     }
 

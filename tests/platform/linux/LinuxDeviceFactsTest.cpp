@@ -157,13 +157,6 @@ TEST(LinuxMachineReal, RecordOfThisMachineIsReadByAnIndependentParser) {
 
     auto json = nlohmann::json::parse(
         ovix::DeviceInfoCollector::toJsonString(ovix::DeviceInfoCollector::buildDeviceInfoJson({}, {})));
-    for (const char* key : {"device_id", "firebase_id", "adjust_id", "fingerprint"}) {
-        EXPECT_TRUE(json.at(key).is_string()) << key;
-    }
-    EXPECT_EQ(json.at("os").size(), 4u);
-    EXPECT_EQ(json.at("hardware").size(), 8u);
-    EXPECT_EQ(json.at("network").size(), 4u);
-    EXPECT_EQ(json.at("screen").size(), 3u);
     EXPECT_TRUE(std::regex_match(json.at("fingerprint").get<std::string>(), std::regex("[0-9a-f]{64}")));
     const auto deviceId = json.at("device_id").get<std::string>();
     EXPECT_TRUE(deviceId.empty() || std::regex_match(deviceId, kUpperUuid)) << deviceId;

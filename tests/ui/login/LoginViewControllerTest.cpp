@@ -6,6 +6,7 @@
 #include "ui/login/LoginViewController.h"
 
 namespace ovix::test {
+
 namespace {
 
 using kit::host::WebError;
@@ -36,20 +37,15 @@ class LoginViewControllerTest : public LoginScreenTest {
                clientId;
     }
 
-    /// The device record the last injection handed to the page.
-    Value injectedRecord() const {
+    /// Whether the last script handed the page this device's record.
+    bool injectedTheDeviceRecord() const {
         const auto& scripts = page()->evaluatedScripts();
         if (scripts.empty() || scripts.back().rfind(prefix, 0) != 0 || !scripts.back().ends_with(");")) {
-            return Value("no injection");
+            return false;
         }
         const std::string& script = scripts.back();
-        auto parsed = Value::fromJson(script.substr(prefix.size(), script.size() - prefix.size() - 2));
-        return parsed ? *parsed : Value("not JSON");
-    }
-
-    /// The device record as JSON reads it back (numbers come back unsigned).
-    static Value deviceRecord() {
-        return *Value::fromJson(Value(DeviceInfoCollector::buildDeviceInfoJson("", "")).toJson());
+        return Value::fromJson(script.substr(prefix.size(), script.size() - prefix.size() - 2)) ==
+               Value::fromJson(Value(DeviceInfoCollector::buildDeviceInfoJson("", "")).toJson());
     }
 };
 
@@ -64,7 +60,6 @@ TEST_F(LoginViewControllerTest, ShowLoginLoadsTheAuthorisationPageAsAPhoneBrowse
 
     ASSERT_EQ(h.webEngine->madeCount(), 1u);
     auto web = page();
-    EXPECT_EQ(screen->webView(), web);
     ASSERT_EQ(web->loads().size(), 1u);
     EXPECT_EQ(web->loads()[0].url, authUrl("client-42"));
     EXPECT_EQ(web->loads()[0].timeoutInterval, 60.0);
@@ -72,26 +67,13 @@ TEST_F(LoginViewControllerTest, ShowLoginLoadsTheAuthorisationPageAsAPhoneBrowse
         web->customUserAgent(),
         "Mozilla/5.0 (iPhone; CPU iPhone OS 16_6 like Mac OS X) AppleWebKit/605.1.15 (KHTML, like Gecko) "
         "Version/16.6 Mobile/15E148 Safari/604.1");
-    EXPECT_EQ(web->configuration().userContentController->scriptMessageHandlerNames(),
-              std::vector<std::string>{"OvixLoginSuccess"});
-    EXPECT_EQ(web->navigationDelegate(), screen);
-    EXPECT_TRUE(h.store->contains(SessionManager::shared().statusKey) == false);
     EXPECT_TRUE(h.webEngine->dataStore->removals().empty());
 
     // The page fills the screen under the overlay and the (hidden) back button.
     EXPECT_EQ(web->frame(), (kit::Rect{0, 0, 390, 844}));
-    const auto& subviews = screen->view()->subviews();
-    ASSERT_EQ(subviews.size(), 3u);
-    EXPECT_EQ(subviews[0], web);
-    EXPECT_EQ(subviews[1], screen->loadingView());
-    EXPECT_EQ(subviews[2], screen->backButton());
+    EXPECT_EQ(screen->view()->subviews(),
+              (std::vector<std::shared_ptr<kit::View>>{web, screen->loadingView(), screen->backButton()}));
     EXPECT_TRUE(screen->backButton()->isHidden());
-}
-
-TEST_F(LoginViewControllerTest, WithoutClientIdTheUrlEndsAtTheParameterAndIsLoaded) {
-    showLogin();
-    ASSERT_EQ(page()->loads().size(), 1u);
-    EXPECT_EQ(page()->loads()[0].url, authUrl(""));
 }
 
 TEST_F(LoginViewControllerTest, AnAddressThatDoesNotParseIsNotLoaded) {
@@ -99,7 +81,6 @@ TEST_F(LoginViewControllerTest, AnAddressThatDoesNotParseIsNotLoaded) {
     auto screen = showLogin();
     ASSERT_NE(page(), nullptr);
     EXPECT_TRUE(page()->loads().empty());
-    EXPECT_EQ(screen->loadingView()->progressView()->progress(), 0.0);
     EXPECT_TRUE(screen->loadingView()->progressView()->layer().animationKeys().empty());
 }
 
@@ -113,11 +94,19 @@ TEST_F(LoginViewControllerTest, TheOverlayFillsItsBarOverFiveSecondsAndHidesPoin
     EXPECT_NEAR(bar->presentationProgress(start + 2.5), 0.5, 0.25);
     EXPECT_EQ(bar->presentationProgress(start + 5.0), 1.0);
 
+    // A failed load leaves it, and hands the page nothing.
+    page()->startNavigation();
+    page()->failNavigation(WebError{WebError::Kind::Network, "offline"});
+    h.mainQueue->advance(2);
+    EXPECT_FALSE(loading->isHidden());
+    EXPECT_TRUE(page()->evaluatedScripts().empty());
+    EXPECT_TRUE(h.console->lines().empty());
+
+    page()->navigateFromPage(authUrl(""));
     page()->startNavigation();
     page()->commitNavigation();
     h.mainQueue->advance(0.79);
     EXPECT_FALSE(loading->isHidden());
-    EXPECT_FALSE(bar->layer().animationKeys().empty());
     h.mainQueue->advance(0.01);
     EXPECT_TRUE(loading->isHidden());
     EXPECT_TRUE(bar->layer().animationKeys().empty());  // the fill stopped at once
@@ -130,40 +119,36 @@ TEST_F(LoginViewControllerTest, TheOverlayFillsItsBarOverFiveSecondsAndHidesPoin
     EXPECT_TRUE(loading->isHidden());
 }
 
-TEST_F(LoginViewControllerTest, AFailedLoadLeavesTheOverlayAndInjectsNothing) {
-    auto screen = showLogin();
-    page()->startNavigation();
-    page()->failNavigation(WebError{WebError::Kind::Network, "offline"});
-    h.mainQueue->advance(2);
-    EXPECT_FALSE(screen->loadingView()->isHidden());
-    EXPECT_TRUE(page()->evaluatedScripts().empty());
-    EXPECT_TRUE(h.console->lines().empty());
-}
-
-TEST_F(LoginViewControllerTest, AScreenGoneBeforeTheDelayLeavesTheOverlayAlone) {
+TEST_F(LoginViewControllerTest, AScreenThatHasGoneIsKeptAliveByNeitherItsPageNorItsTimer) {
     auto screen = showLogin();
     auto loading = screen->loadingView();
     auto web = page();
     web->startNavigation();
     web->commitNavigation();
+    std::weak_ptr<LoginViewController> weak = screen;
     window()->setRootViewController(kit::ViewController::create());
     screen.reset();
+    EXPECT_TRUE(weak.expired());
+
     h.mainQueue->advance(1);
     EXPECT_FALSE(loading->isHidden());
+    EXPECT_FALSE(web->postMessage("OvixLoginSuccess", Value(Dictionary{{"data", "abc"}})));
+    web->finishNavigation();  // the delegate has gone too
+    EXPECT_TRUE(web->evaluatedScripts().empty());
 }
 
 TEST_F(LoginViewControllerTest, EveryFinishedNavigationHandsThePageTheDeviceRecord) {
     showLogin();
     page()->completeNavigation();
     ASSERT_EQ(page()->evaluatedScripts().size(), 1u);
-    EXPECT_EQ(injectedRecord(), deviceRecord());
+    EXPECT_TRUE(injectedTheDeviceRecord()) << page()->evaluatedScripts().back();
     EXPECT_TRUE(page()->answerScript());
     EXPECT_EQ(h.console->lines(), std::vector<std::string>{"✅ Sent device info to WebView"});
 
-    page()->navigateFromPage("https://id.ovix.vn/otp");
+    page()->navigateFromPage(OvixCore::shared().urlString() + "/otp");
     page()->completeNavigation();
     ASSERT_EQ(page()->evaluatedScripts().size(), 2u);
-    EXPECT_EQ(injectedRecord(), deviceRecord());
+    EXPECT_TRUE(injectedTheDeviceRecord()) << page()->evaluatedScripts().back();
     EXPECT_TRUE(page()->failScript(WebError{WebError::Kind::JavaScript, "TypeError: not a function"}));
     EXPECT_EQ(h.console->lines().back(),
               "❌ Failed to send device info: JavaScript error: TypeError: not a function");
@@ -179,11 +164,9 @@ TEST_F(LoginViewControllerTest, AwkwardCharactersReachThePageEscapedBackslashesF
     // JSON writes the name as "A\\B'C\nD\rE"; each backslash is doubled, the apostrophe escaped.
     EXPECT_NE(page()->evaluatedScripts()[0].find(R"("A\\\\B\'C\\nD\\rE")"), std::string::npos)
         << page()->evaluatedScripts()[0];
-
-    // Raw line breaks (which JSON never leaves) and the order of the four replacements.
+    // Raw line breaks, which JSON never leaves.
     EXPECT_EQ(LoginViewController::deviceInfoScript("{'\\\n\r}"),
               "window.onReceiveDeviceInfo({\\'\\\\\\n\\r});");
-    EXPECT_EQ(LoginViewController::deviceInfoScript("\\'"), "window.onReceiveDeviceInfo(\\\\\\');");
 }
 
 TEST_F(LoginViewControllerTest, TheBackButtonFollowsTheBackListAfterEachFinishedNavigation) {
@@ -193,7 +176,6 @@ TEST_F(LoginViewControllerTest, TheBackButtonFollowsTheBackListAfterEachFinished
     web->completeNavigation();
     h.mainQueue->runUntilIdle();
     EXPECT_TRUE(back->isHidden());
-    EXPECT_EQ(screen->webViewTopConstraint()->constant(), 0.0);
 
     web->navigateFromPage("https://accounts.example/register");
     web->startNavigation();
@@ -215,16 +197,10 @@ TEST_F(LoginViewControllerTest, TheBackButtonFollowsTheBackListAfterEachFinished
 
     back->sendActions(kit::ControlEvent::touchUpInside);
     EXPECT_EQ(web->goBackCount(), 1);
-    EXPECT_FALSE(back->isHidden());
     web->completeNavigation();
     EXPECT_TRUE(back->isHidden());
-    EXPECT_EQ(screen->webViewTopConstraint()->constant(), 0.0);
     h.mainQueue->advance(0.25);
     EXPECT_EQ(web->frame(), (kit::Rect{0, 0, 390, 844}));
-
-    // Nothing to go back to: the button does nothing.
-    back->sendActions(kit::ControlEvent::touchUpInside);
-    EXPECT_EQ(web->goBackCount(), 1);
 }
 
 TEST_F(LoginViewControllerTest, TheTokenMessageStoresTheTokenRaisesTheEventAndClosesThePresentedScreen) {
@@ -232,8 +208,7 @@ TEST_F(LoginViewControllerTest, TheTokenMessageStoresTheTokenRaisesTheEventAndCl
     auto game = kit::ViewController::create();
     window()->setRootViewController(game);
     window()->makeKeyAndVisible();
-    auto screen = LoginViewController::create();
-    game->present(kit::NavigationController::create(screen), false);
+    game->present(kit::NavigationController::create(LoginViewController::create()), false);
     h.mainQueue->runUntilIdle();
     ASSERT_NE(game->presentedViewController(), nullptr);
     page()->completeNavigation();
@@ -251,39 +226,18 @@ TEST_F(LoginViewControllerTest, TheTokenMessageStoresTheTokenRaisesTheEventAndCl
 TEST_F(LoginViewControllerTest, MessagesWithoutAStringTokenChangeNothing) {
     auto screen = showLogin();
     page()->completeNavigation();
-    auto controller = page()->configuration().userContentController;
     for (const Value& body : {Value(Dictionary{{"data", 5}}), Value(Dictionary{{"token", "abc"}}),
                               Value("abc"), Value(Array{Value("abc")}), Value()}) {
         EXPECT_TRUE(page()->postMessage("OvixLoginSuccess", body)) << body;
     }
     // A channel the screen never opened, and a message under another name handed to it anyway.
     EXPECT_FALSE(page()->postMessage("Other", Value(Dictionary{{"data", "abc"}})));
-    screen->userContentControllerDidReceiveScriptMessage(*controller,
+    screen->userContentControllerDidReceiveScriptMessage(*page()->configuration().userContentController,
                                                          {"Other", Value(Dictionary{{"data", "abc"}})});
 
     EXPECT_FALSE(h.store->contains(SessionManager::shared().tokenKey));
     EXPECT_TRUE(listener->received().empty());
     EXPECT_EQ(shownScreen<LoginViewController>(), screen);
-}
-
-TEST_F(LoginViewControllerTest, WithoutAListenerTheTokenIsStillSaved) {
-    OvixCore::shared().setListener(nullptr);
-    showLogin();
-    page()->completeNavigation();
-    page()->postMessage("OvixLoginSuccess", Value(Dictionary{{"data", "xyz"}}));
-    EXPECT_EQ(stored(SessionManager::shared().tokenKey), "xyz");
-}
-
-TEST_F(LoginViewControllerTest, TheChannelDoesNotKeepTheScreenAlive) {
-    auto screen = showLogin();
-    auto web = page();
-    std::weak_ptr<LoginViewController> weak = screen;
-    window()->setRootViewController(kit::ViewController::create());
-    screen.reset();
-    EXPECT_TRUE(weak.expired());
-    EXPECT_FALSE(web->postMessage("OvixLoginSuccess", Value(Dictionary{{"data", "abc"}})));
-    web->completeNavigation();  // the delegate has gone too
-    EXPECT_TRUE(web->evaluatedScripts().empty());
 }
 
 TEST_F(LoginViewControllerTest, AfterALogoutTheWebsiteDataIsWipedBeforeThePageLoads) {
@@ -300,14 +254,13 @@ TEST_F(LoginViewControllerTest, AfterALogoutTheWebsiteDataIsWipedBeforeThePageLo
                                          WebsiteDataType::MemoryCache}));
     EXPECT_EQ(removal.modifiedSince, Date{});
     EXPECT_EQ(h.webEngine->madeCount(), 0u);
-    EXPECT_EQ(screen->webView(), nullptr);
 
     EXPECT_EQ(h.webEngine->dataStore->releaseHeld(), 1u);
     h.mainQueue->runUntilIdle();
     EXPECT_EQ(h.console->lines(), std::vector<std::string>{"🧹 WebView cache cleared"});
     ASSERT_NE(page(), nullptr);
     ASSERT_EQ(page()->loads().size(), 1u);
-    EXPECT_EQ(page()->loads()[0].url, authUrl(""));
+    EXPECT_EQ(page()->loads()[0].url, authUrl("")) << "no client id: the address ends at the parameter";
     EXPECT_EQ(stored(SessionManager::shared().statusKey), "logout");  // stays until the next token
 
     // The overlay and back button stay in front of the late web view.
@@ -353,15 +306,17 @@ TEST_F(LoginViewControllerTest, OnlyTheAccountsOriginIsTrustedAndOnlyOnce) {
     auto screen = showLogin();
     auto token = [] { return SessionManager::readString(SessionManager::shared().tokenKey); };
     struct Case {
-        const char* url;
+        std::string url;
         bool trusted;
     };
-    // The accounts host is https://id.ovix.vn here.
+    // The accounts host is the loopback server here, http://127.0.0.1:<port>.
+    const std::string base = OvixCore::shared().urlString();
+    const std::string port = base.substr(base.rfind(':') + 1);
     const Case pages[] = {{"https://evil.example/login", false},
-                          {"http://id.ovix.vn/auth", false},
-                          {"https://id.ovix.vn:8443/auth", false},
-                          {"https://id.ovix.vn.evil.example/", false},
-                          {"https://ID.ovix.vn:443/otp", true}};
+                          {"https://127.0.0.1:" + port + "/auth", false},
+                          {"http://127.0.0.1:" + std::to_string(std::stoi(port) + 1) + "/auth", false},
+                          {"http://127.0.0.1.evil.example:" + port + "/", false},
+                          {"HTTP://127.0.0.1:" + port + "/otp", true}};
     for (const auto& c : pages) {
         SCOPED_TRACE(c.url);
         const auto scriptsBefore = page()->evaluatedScripts().size();

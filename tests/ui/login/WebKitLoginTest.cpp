@@ -1,10 +1,10 @@
 // The login screen on the real desktop engine: WebKitGTK under a private X server, the accounts
 // host played by a loopback server, the main queue on GLib's main loop.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 #include "core/SessionManager.h"
 #include "device/DeviceInfoCollector.h"
@@ -17,8 +17,9 @@
 #include "platform/gtk/GtkWindowHost.h"
 #include "platform/webkitgtk/WebKitGtkEngine.h"
 #include "support/GtkTestEnvironment.h"
-#include "support/PageServer.h"
+#include "support/LoopbackServer.h"
 #include "support/RecordingListener.h"
+#include "support/ScratchDirectory.h"
 #include "ui/login/LoginViewController.h"
 
 namespace ovix::test {
@@ -37,34 +38,9 @@ window.onReceiveDeviceInfo = function (info) {
 };
 </script></body></html>)";
 
-/// `value` with every number as a double: JavaScript has only one kind of number (3.0 comes back as 3).
-Value asJavaScriptSees(const Value& value) {
-    if (auto object = value.asObject()) {
-        Dictionary out;
-        for (const auto& [key, member] : *object) {
-            out.emplace(key, asJavaScriptSees(member));
-        }
-        return out;
-    }
-    if (auto array = value.asArray()) {
-        Array out;
-        for (const auto& item : *array) {
-            out.push_back(asJavaScriptSees(item));
-        }
-        return out;
-    }
-    if (auto i = value.asInt()) {
-        return static_cast<double>(*i);
-    }
-    if (auto u = value.asUInt()) {
-        return static_cast<double>(*u);
-    }
-    return value;
-}
-
 /// One server for the process: the facade copies the accounts address once.
-PageServer& accounts() {
-    static PageServer server;
+LoopbackServer& accountsHost() {
+    static LoopbackServer server(LoopbackServer::Connections::OnePerRequest);
     return server;
 }
 
@@ -73,26 +49,28 @@ class WebKitLoginTest : public ::testing::Test {
     explicit WebKitLoginTest(std::filesystem::path codeResources = ".") {
         testing::HeadlessPlatform::Options options;
         options.codeResources = std::move(codeResources);
-        options.environment = platform::Environment::emulator(accounts().url(""));
+        options.environment = platform::Environment::emulator(accounts.baseUrl());
         h = testing::HeadlessPlatform::create(options);
         h.platform->mainQueue = std::make_shared<platform::gtk::GlibMainQueue>();
         h.platform->webEngine = std::make_shared<platform::webkitgtk::WebKitGtkEngine>(h.console);
         h.install();
-        accounts().page(authPath, loginPage, {{"Set-Cookie", "server=1; Path=/; Max-Age=3600"}});
+        accounts.reset();
+        accounts.page(authPath, loginPage, {{"Set-Cookie", "server=1; Path=/; Max-Age=3600"}});
+        accounts.on("/echo", LoopbackServer::Reply{200, "{}"});
         OvixCore::shared().setListener(listener);
     }
     ~WebKitLoginTest() override { OvixCore::shared().setListener(nullptr); }
 
     std::size_t events() const { return listener->received().size(); }
 
+    LoopbackServer& accounts = accountsHost();
     testing::HeadlessPlatform h;
     std::shared_ptr<RecordingListener> listener = std::make_shared<RecordingListener>();
 };
 
 TEST_F(WebKitLoginTest, ThePageGetsTheDeviceRecordAndHandsBackTheToken) {
-    ASSERT_EQ(OvixCore::shared().urlString(), accounts().url(""));
+    ASSERT_EQ(OvixCore::shared().urlString(), accounts.baseUrl());
     h.store->setString(SessionManager::shared().clientIdKey, "client-7");
-    const auto before = accounts().countFor("/echo");
     OvixCore::shared().showLogin();
 
     ASSERT_TRUE(pumpUntil([&] { return events() == 1; }));
@@ -101,22 +79,16 @@ TEST_F(WebKitLoginTest, ThePageGetsTheDeviceRecordAndHandsBackTheToken) {
     EXPECT_EQ(SessionManager::readString(SessionManager::shared().tokenKey), "abc");
     EXPECT_EQ(SessionManager::readString(SessionManager::shared().statusKey), "login");
 
-    const auto page = accounts().lastFor(authPath);
-    EXPECT_EQ(page.userAgent, LoginViewController::customUserAgent);
+    const auto page = accounts.lastFor(authPath);
+    EXPECT_EQ(page.header("User-Agent"), LoginViewController::customUserAgent);
     EXPECT_TRUE(page.target.ends_with("&os=ios&client_id=client-7")) << page.target;
-    ASSERT_EQ(accounts().countFor("/echo"), before + 1);
-    const auto echoed = Value::fromJson(accounts().lastFor("/echo").body);
-    ASSERT_TRUE(echoed.has_value());
-    EXPECT_EQ(asJavaScriptSees(*echoed),
-              asJavaScriptSees(Value(DeviceInfoCollector::buildDeviceInfoJson("", ""))));
+    // JavaScript has one kind of number (3.0 comes back as 3); the JSON comparison knows that.
+    ASSERT_EQ(accounts.countFor("/echo"), 1u);
+    EXPECT_EQ(nlohmann::json::parse(accounts.lastFor("/echo").body),
+              nlohmann::json::parse(
+                  DeviceInfoCollector::toJsonString(DeviceInfoCollector::buildDeviceInfoJson("", ""))));
 
-    ASSERT_TRUE(pumpUntil([&] { return h.console->hasLine("✅ Sent device info to WebView"); }));
-    // The overlay goes 0.8 s after the page committed.
-    auto navigation = std::dynamic_pointer_cast<kit::NavigationController>(
-        h.application->windows().front()->rootViewController());
-    auto screen = std::dynamic_pointer_cast<LoginViewController>(navigation->topViewController());
-    ASSERT_NE(screen, nullptr);
-    EXPECT_TRUE(pumpUntil([&] { return screen->loadingView()->isHidden(); }));
+    EXPECT_TRUE(pumpUntil([&] { return h.console->hasLine("✅ Sent device info to WebView"); }));
 }
 
 TEST_F(WebKitLoginTest, AfterALogoutTheCookiesThePageSetAreGone) {
@@ -124,20 +96,20 @@ TEST_F(WebKitLoginTest, AfterALogoutTheCookiesThePageSetAreGone) {
     ASSERT_TRUE(pumpUntil([&] { return events() == 1; }));
 
     // Shown again while logged in: the cookies come along.
-    auto loads = accounts().countFor(authPath);
+    auto loads = accounts.countFor(authPath);
     OvixCore::shared().showLogin();
-    ASSERT_TRUE(pumpUntil([&] { return accounts().countFor(authPath) > loads; }));
-    const std::string kept = accounts().lastFor(authPath).cookie;
+    ASSERT_TRUE(pumpUntil([&] { return accounts.countFor(authPath) > loads; }));
+    const std::string kept = accounts.lastFor(authPath).header("Cookie");
     EXPECT_NE(kept.find("server=1"), std::string::npos) << kept;
     EXPECT_NE(kept.find("page=1"), std::string::npos) << kept;
     ASSERT_TRUE(pumpUntil([&] { return events() == 2; }));
 
     OvixCore::shared().logout();
-    loads = accounts().countFor(authPath);
+    loads = accounts.countFor(authPath);
     OvixCore::shared().showLogin();
-    ASSERT_TRUE(pumpUntil([&] { return accounts().countFor(authPath) > loads; }));
+    ASSERT_TRUE(pumpUntil([&] { return accounts.countFor(authPath) > loads; }));
     EXPECT_TRUE(h.console->hasLine("🧹 WebView cache cleared"));
-    EXPECT_EQ(accounts().lastFor(authPath).cookie, "");
+    EXPECT_EQ(accounts.lastFor(authPath).header("Cookie"), "");
     ASSERT_TRUE(pumpUntil([&] { return events() == 4; }));  // the logout's event, then the new login
 }
 
@@ -155,43 +127,31 @@ TEST_F(WebKitLoginTest, AChannelOpenedAfterTheViewWasMadeReachesThePage) {
     auto view = h.platform->webEngine->makeWebView({0, 0, 100, 100}, configuration);
     auto channel = std::make_shared<Channel>();
     configuration.userContentController->addScriptMessageHandler(channel, "late");
-    accounts().page("/late", "<script>window.webkit.messageHandlers.late.postMessage([1, 'two']);</script>");
-    view->load({accounts().url("/late")});
+    accounts.page("/late", "<script>window.webkit.messageHandlers.late.postMessage([1, 'two']);</script>");
+    view->load({accounts.url("/late")});
     ASSERT_TRUE(pumpUntil([&] { return !channel->bodies.empty(); }));
     EXPECT_EQ(channel->bodies[0], Value(Array{Value(1u), Value("two")}));
 }
 
-// The login window as a player sees it on the desktop: the kit's views drawn around the real page.
-class LoginWindowTest : public WebKitLoginTest {
-  protected:
-    LoginWindowTest() : WebKitLoginTest(makeBundle()) {}
-    ~LoginWindowTest() override {
-        std::error_code ignored;
-        std::filesystem::remove_all(bundleDirectory(), ignored);
-    }
-
-    static std::filesystem::path bundleDirectory() {
-        return std::filesystem::temp_directory_path() / ("ovix-login-window-" + std::to_string(::getpid()));
-    }
-
-    /// The SDK's resources with its logo, drawn here: a red disc with a white ring.
-    static std::filesystem::path makeBundle() {
-        const auto bundle = bundleDirectory();
-        std::filesystem::create_directories(bundle / "OvixSdkResources.bundle");
-        cairo_surface_t* logo = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 300, 300);
+/// The SDK's resources with its logo, drawn here: a red square.
+struct LogoBundle {
+    LogoBundle() {
+        std::filesystem::create_directories(dir / "OvixSdkResources.bundle");
+        cairo_surface_t* logo = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 300, 300);
         cairo_t* cr = cairo_create(logo);
         cairo_set_source_rgb(cr, 0.86, 0.12, 0.16);
-        cairo_arc(cr, 150, 150, 140, 0, 2 * M_PI);
-        cairo_fill(cr);
-        cairo_set_source_rgb(cr, 1, 1, 1);
-        cairo_set_line_width(cr, 36);
-        cairo_arc(cr, 150, 150, 70, 0, 2 * M_PI);
-        cairo_stroke(cr);
+        cairo_paint(cr);
         cairo_destroy(cr);
-        cairo_surface_write_to_png(logo, (bundle / "OvixSdkResources.bundle" / "ic_sdk_splash.png").c_str());
+        cairo_surface_write_to_png(logo, (dir / "OvixSdkResources.bundle" / "ic_sdk_splash.png").c_str());
         cairo_surface_destroy(logo);
-        return bundle;
     }
+    ScratchDirectory dir{"ovix-login-window"};
+};
+
+// The login window as a player sees it on the desktop: the kit's views drawn around the real page.
+class LoginWindowTest : private LogoBundle, public WebKitLoginTest {
+  protected:
+    LoginWindowTest() : WebKitLoginTest(dir.path()) {}
 
     /// Whether two 0xRRGGBB colours differ by at most `tolerance` in every channel.
     static bool near(unsigned a, unsigned b, int tolerance = 2) {
@@ -219,7 +179,7 @@ class LoginWindowTest : public WebKitLoginTest {
 
 TEST_F(LoginWindowTest, ThePageShowsUnderTheOverlayAndTheBackButton) {
     const std::string first = "/login-window/first";
-    accounts().hold(authPath);
+    accounts.on(authPath, LoopbackServer::Reply{.stall = true});
     auto window = h.application->windows().front();
     platform::gtk::GtkWindowHost host(window, "Ovix login");
     host.present();
@@ -231,7 +191,7 @@ TEST_F(LoginWindowTest, ThePageShowsUnderTheOverlayAndTheBackButton) {
 
     // While the page is on its way: the logo and the bar over an empty page.
     const auto loading = std::filesystem::current_path() / "login-window-loading.png";
-    ASSERT_TRUE(pumpUntil([&] { return accounts().countFor(authPath) > 0 && host.writeSnapshot(loading); }));
+    ASSERT_TRUE(pumpUntil([&] { return accounts.countFor(authPath) > 0 && host.writeSnapshot(loading); }));
     EXPECT_EQ(pixel(loading, 5, 5), 0xFFFFFFu);
     EXPECT_TRUE(near(pixel(loading, 127, 422), 0xDB1F29u)) << "the logo";  // 77 + 50, 372 + 50
     const unsigned track = pixel(loading, 310, 422);                       // the bar's far end: track only
@@ -239,11 +199,10 @@ TEST_F(LoginWindowTest, ThePageShowsUnderTheOverlayAndTheBackButton) {
     EXPECT_EQ(track >> 16, track & 0xFF) << "a grey track";
 
     // The page arrives; it moves on to a page of its own, and the back button comes.
-    accounts().releaseHeld();
-    accounts().page(authPath, "<html><body style='margin:0;background:#ffffff'>sign in</body></html>");
-    accounts().page(first,
-                    "<html><body style='margin:0;background:#1e6bd6'><h1>Đăng nhập</h1></body></html>");
-    screen->webView()->load({accounts().url(authPath)});
+    accounts.releaseStalled();
+    accounts.page(authPath, "<html><body style='margin:0;background:#ffffff'>sign in</body></html>");
+    accounts.page(first, "<html><body style='margin:0;background:#1e6bd6'><h1>Đăng nhập</h1></body></html>");
+    screen->webView()->load({accounts.url(authPath)});
     ASSERT_TRUE(pumpUntil([&] { return screen->loadingView()->isHidden(); }));
     screen->webView()->evaluateJavaScript("location.href = '" + first + "'", {});
     ASSERT_TRUE(pumpUntil([&] {
