@@ -322,8 +322,11 @@ struct CurlHttpClient::Engine {
         next->keepAlive = std::move(transfer->keepAlive);
         next->redirects = transfer->redirects;
         recycle(*transfer);
-        std::lock_guard lock(mutex);
-        queued.push_back(std::move(next));
+        {
+            std::lock_guard lock(mutex);
+            queued.push_back(std::move(next));
+        }
+        wake();  // the loop is about to wait for sockets: start the next hop first
         return true;
     }
 

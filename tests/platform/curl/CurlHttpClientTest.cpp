@@ -122,6 +122,29 @@ TEST_F(CurlClient, EveryCompletionRunsOnceWhateverHappensToTheClient) {
     EXPECT_TRUE(watch.expired());
 }
 
+TEST_F(CurlClient, RedirectsAreFollowedOnlyWithinTheOrigin) {
+    LoopbackServer other;
+    other.on("/steal", LoopbackServer::Reply{200, R"({"eligible":true})"});
+    auto to = [](std::string location) {
+        return LoopbackServer::Reply{307, "", "text/plain", false, {{"Location", std::move(location)}}};
+    };
+    server.on("/here", to("/target"));
+    server.on("/target", [](const LoopbackServer::Request& r) { return LoopbackServer::Reply{200, r.body}; });
+    server.on("/away", to(other.baseUrl() + "/steal"));
+    server.on("/port", to("http://127.0.0.1:" + std::to_string(other.port()) + "/steal"));
+
+    auto within = exchange(request("/here", "POST", "picture"));
+    ASSERT_TRUE(within.response) << within.error.value_or("");
+    EXPECT_EQ(within.response->body, "picture") << "a 307 within the origin sends the body again";
+    for (const char* path : {"/away", "/port"}) {
+        SCOPED_TRACE(path);
+        auto away = exchange(request(path, "POST", "picture"));
+        EXPECT_FALSE(away.response);
+        EXPECT_THAT(away.error.value_or(""), HasSubstr("another origin"));
+    }
+    EXPECT_TRUE(other.requests().empty()) << "nothing reaches the other origin";
+}
+
 // A self-signed certificate made for the test, valid for the addresses in `altNames`.
 struct Certificate {
     std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> key{EVP_EC_gen("P-256"), &EVP_PKEY_free};
@@ -166,6 +189,19 @@ TEST_F(CurlClient, TlsTrustsTheGivenAuthoritiesForTheirHostsOnly) {
         return result;
     };
     HttpResult good = fetch(trusted);
+    {
+        LoopbackServer tls(trusted.cert.get(), trusted.key.get());
+        tls.on("/downgrade",
+               LoopbackServer::Reply{
+                   302,
+                   "",
+                   "text/plain",
+                   false,
+                   {{"Location", "http://127.0.0.1:" + std::to_string(tls.port()) + "/secure"}}});
+        CurlHttpClient trusting(CurlHttpClient::Options{pem.string(), 10});
+        auto downgraded = exchange(HttpRequest{"GET", tls.baseUrl() + "/downgrade", {}, ""}, &trusting);
+        EXPECT_THAT(downgraded.error.value_or(""), HasSubstr("another origin")) << "HTTPS to HTTP";
+    }
     HttpResult wrongHost = fetch(otherHost);
     HttpResult untrusted = fetch(stranger);
     std::filesystem::remove(pem);
