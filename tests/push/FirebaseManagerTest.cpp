@@ -143,8 +143,8 @@ TEST_F(Push, TopicKeepsTheHyphenWithoutClientIdAndReportsFailures) {
 TEST_F(Push, ForegroundNotificationsAreLoggedAndShownAndOnlyAValidLinkOpensOnTheMainQueue) {
     configured();
     for (const Dictionary& data :
-         {Dictionary{{"reward", 100}, {"type", true}}, Dictionary{{"url", "not a url"}, {"icon", "x"}},
-          Dictionary{{"url", 42}},
+         {Dictionary{{"reward", 100}, {"type", true}},
+          Dictionary{{"url", "https://ovix.vn/a b"}, {"icon", "x"}}, Dictionary{{"url", 42}},
           Dictionary{
               {"url", "https://ovix.vn/e?id=7"}, {"reward", "100"}, {"type", "gift"}, {"icon", "i.png"}}}) {
         EXPECT_EQ(headless.notificationCenter->presentInForeground(data), 19u);
@@ -155,7 +155,7 @@ TEST_F(Push, ForegroundNotificationsAreLoggedAndShownAndOnlyAValidLinkOpensOnThe
     EXPECT_EQ(
         lines(),
         (Lines{"Notification Data - reward: , type: , icon: , url: ",
-               "Notification Data - reward: , type: , icon: x, url: not a url",
+               "Notification Data - reward: , type: , icon: x, url: https://ovix.vn/a b",
                "Notification Data - reward: , type: , icon: , url: ",
                "Notification Data - reward: 100, type: gift, icon: i.png, url: https://ovix.vn/e?id=7"}));
     EXPECT_EQ(headless.application->openedUrls(), Lines{"https://ovix.vn/e?id=7"}) << "a tap opens nothing";

@@ -6,7 +6,6 @@
 #include "ui/login/LoginViewController.h"
 
 namespace ovix::test {
-
 namespace {
 
 using kit::host::WebError;
