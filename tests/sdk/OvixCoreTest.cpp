@@ -21,22 +21,6 @@ class Core : public ::testing::Test {
     OvixCore& core = OvixCore::shared();
 };
 
-TEST(OvixEventsValues, AreTheContractedStrings) {
-    EXPECT_EQ(OvixEvents::LOGIN_SUCCESS, "OvixLoginSuccess");
-    EXPECT_EQ(OvixEvents::LOGOUT_SUCCESS, "OvixLogoutSuccess");
-    EXPECT_EQ(OvixEvents::AD_LOADED, "OvixAdLoaded");
-    EXPECT_EQ(OvixEvents::AD_FAILED, "OvixFailed");
-    EXPECT_EQ(OvixEvents::AD_CLOSED, "OvixClosed");
-    EXPECT_EQ(OvixEvents::REWARD_EARNED, "OvixRewardEarned");
-    EXPECT_EQ(OvixEvents::PURCHASE_UPDATED, "OvixPurchaseUpdated");
-    EXPECT_EQ(OvixEvents::BILLING_ERROR, "OvixBillingError");
-    EXPECT_EQ(OvixEvents::BILLING_CONNECTED, "OvixBillingConnected");
-    EXPECT_EQ(OvixEvents::BILLING_DISCONNECTED, "OvixBillingDisconnected");
-    EXPECT_EQ(OvixEvents::PURCHASE_CONSUMED, "OvixPurchaseConsumed");
-    EXPECT_EQ(OvixEvents::PURCHASE_ACKNOWLEDGED, "OvixPurchaseAcknowledged");
-    EXPECT_EQ(OvixEvents::PURCHASES_RESTORED, "OvixPurchaseRestored");
-}
-
 TEST_F(Core, TheBackendAddressesAreHttpsWithoutATrailingSlash) {
     EXPECT_EQ(core.urlString().rfind("https://", 0), 0u);
     EXPECT_EQ(core.urlGraph().rfind("https://", 0), 0u);
