@@ -65,15 +65,4 @@ inline std::vector<std::shared_ptr<kit::LayoutConstraint>> pin(const std::shared
     return edges;
 }
 
-/// Rectangles compared within floating-point noise.
-inline ::testing::AssertionResult rectNear(const kit::Rect& actual, const kit::Rect& expected,
-                                           double tol = 1e-6) {
-    if (kit::nearlyEqual(actual.x(), expected.x(), tol) && kit::nearlyEqual(actual.y(), expected.y(), tol) &&
-        kit::nearlyEqual(actual.width(), expected.width(), tol) &&
-        kit::nearlyEqual(actual.height(), expected.height(), tol)) {
-        return ::testing::AssertionSuccess();
-    }
-    return ::testing::AssertionFailure() << "got " << actual << ", expected " << expected;
-}
-
 }  // namespace ovix::test
