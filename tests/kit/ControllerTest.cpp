@@ -42,8 +42,6 @@ TEST_F(Controllers, ViewLoadsOnceAndTheRootFillsTheWindowUnderOverlays) {
     EXPECT_EQ(v->backgroundColor(), kit::Color::white());
 
     auto w = window();
-    EXPECT_TRUE(w->isKeyWindow());
-    EXPECT_FALSE(w->isHidden());
     auto overlay = kit::View::create({100, 200, 50, 50});
     w->setRootViewController(first);
     w->addSubview(overlay);
@@ -156,8 +154,6 @@ TEST_F(Controllers, NavigationBarShowsTheTopItemAndInsetsTheSafeArea) {
     auto pushed = ViewController::create();
     pushed->setTitle("Next");
     nav->pushViewController(pushed, false);
-    EXPECT_EQ(nav->topViewController(), pushed);
-    EXPECT_EQ(pushed->navigationController(), nav);
     EXPECT_EQ(bar->titleLabel()->text(), "Next");
     EXPECT_EQ(root->view()->superview(), nullptr);
     EXPECT_EQ(nav->popViewController(false), pushed);

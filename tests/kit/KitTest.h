@@ -38,6 +38,14 @@ std::shared_ptr<V> constrained(std::shared_ptr<V> view = kit::View::create()) {
     return view;
 }
 
+/// `constrained(view)`, added to `parent`.
+template <typename V = kit::View>
+std::shared_ptr<V> constrainedIn(const std::shared_ptr<kit::View>& parent,
+                                 std::shared_ptr<V> view = kit::View::create()) {
+    parent->addSubview(constrained(view));
+    return view;
+}
+
 /// A view sized by constraints alone; the width holds at `widthPriority`.
 inline std::shared_ptr<kit::View> box(double w, double h,
                                       float widthPriority = kit::LayoutPriority::required) {
