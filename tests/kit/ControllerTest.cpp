@@ -242,7 +242,7 @@ TEST_F(Controllers, PushedControllersSlideInAndChildrenFollowTheStack) {
     EXPECT_EQ(a->view()->superview(), nav->view());
 }
 
-TEST_F(Controllers, ApplicationOpensOnlyKnownSchemesAndCountsRegistrations) {
+TEST_F(Controllers, ApplicationOpensOnlyKnownSchemes) {
     auto& app = kit::Application::shared();
     EXPECT_TRUE(app.canOpen("https://example.com/news"));
     EXPECT_FALSE(app.canOpen("tel://00000000000"));
@@ -251,8 +251,6 @@ TEST_F(Controllers, ApplicationOpensOnlyKnownSchemesAndCountsRegistrations) {
     headless.application->setOpenableSchemes({"tel"});
     EXPECT_TRUE(app.open("tel://00000000000"));
     EXPECT_EQ(headless.application->openedUrls(), std::vector<std::string>{"tel://00000000000"});
-    app.registerForRemoteNotifications();
-    EXPECT_EQ(headless.application->remoteNotificationRegistrations(), 1);
 }
 
 TEST_F(Controllers, RotationTurnsTheScreenAndNotifiesLiveObserversOnly) {
