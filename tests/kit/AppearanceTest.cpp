@@ -1,20 +1,16 @@
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <filesystem>
-#include <fstream>
-
 #include "KitTest.h"
 #include "ovix/kit/Button.h"
 #include "ovix/kit/Image.h"
 #include "ovix/kit/ImageView.h"
 #include "ovix/kit/Label.h"
 #include "ovix/kit/TextMeasurer.h"
+#include "support/ScratchDirectory.h"
 
 namespace ovix::test {
 namespace {
 
-namespace fs = std::filesystem;
 using kit::Color;
 using kit::Rect;
 using kit::Size;
@@ -34,20 +30,15 @@ std::string pngHeader(unsigned width, unsigned height) {
 class Appearance : public KitTest {
   protected:
     testing::HeadlessPlatform::Options options() override {
-        dir = fs::temp_directory_path() /
-              ("ovix-kit-images-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)));
-        fs::create_directories(dir / "OvixSdkResources.bundle");
-        std::ofstream(dir / "OvixSdkResources.bundle" / "ic_sdk_float.png", std::ios::binary)
-            << pngHeader(96, 48);
-        std::ofstream(dir / "OvixSdkResources.bundle" / "user@2x.png", std::ios::binary) << pngHeader(60, 60);
-        std::ofstream(dir / "OvixSdkResources.bundle" / "broken.png", std::ios::binary) << "not an image";
+        dir.write("OvixSdkResources.bundle/ic_sdk_float.png", pngHeader(96, 48));
+        dir.write("OvixSdkResources.bundle/user@2x.png", pngHeader(60, 60));
+        dir.write("OvixSdkResources.bundle/broken.png", "not an image");
         testing::HeadlessPlatform::Options o;
-        o.codeResources = dir;
+        o.codeResources = dir.path();
         return o;
     }
-    void TearDown() override { fs::remove_all(dir); }
 
-    fs::path dir;
+    ScratchDirectory dir{"ovix-kit-images"};
 };
 
 TEST_F(Appearance, BundleImagesByNameWithTheirPointSize) {

@@ -29,8 +29,7 @@ class ConstraintLayout : public KitTest {};
 
 TEST_F(ConstraintLayout, ContainerClampsBetweenMinAndMaxInsideMargins) {
     auto root = View::create({0, 0, 900, 800});
-    auto box = constrained();
-    root->addSubview(box);
+    auto box = constrainedIn(root);
     auto fill = box->widthAnchor().constraintEqualTo(root->widthAnchor());
     fill->setPriority(kit::LayoutPriority::defaultHigh);
     LayoutConstraint::activate({
@@ -78,8 +77,7 @@ TEST_F(ConstraintLayout, ContainerClampsBetweenMinAndMaxInsideMargins) {
 
 TEST_F(ConstraintLayout, OfTwoConflictingRequiredConstraintsTheLaterActivatedBreaks) {
     auto root = View::create({0, 0, 300, 100});
-    auto child = constrained();
-    root->addSubview(child);
+    auto child = constrainedIn(root);
     LayoutConstraint::activate({child->topAnchor().constraintEqualTo(root->topAnchor()),
                                 child->leadingAnchor().constraintEqualTo(root->leadingAnchor()),
                                 child->heightAnchor().constraintEqualToConstant(10)});
@@ -95,10 +93,8 @@ TEST_F(ConstraintLayout, OfTwoConflictingRequiredConstraintsTheLaterActivatedBre
 
 TEST_F(ConstraintLayout, ConstantsMultipliersAndPrioritiesChangeAfterActivation) {
     auto root = View::create({0, 0, 400, 400});
-    auto a = constrained();
-    auto b = constrained();
-    root->addSubview(a);
-    root->addSubview(b);
+    auto a = constrainedIn(root);
+    auto b = constrainedIn(root);
     auto top = a->topAnchor().constraintEqualTo(root->topAnchor(), 10);
     auto wish = a->widthAnchor().constraintEqualToConstant(100);
     wish->setPriority(kit::LayoutPriority::defaultLow);
@@ -127,12 +123,10 @@ TEST_F(ConstraintLayout, ViewsInDifferentBranchesAreSolvedInTheCommonAncestor) {
     auto root = View::create({0, 0, 400, 400});
     auto left = View::create({10, 10, 100, 100});  // fixed frames
     auto right = View::create({200, 50, 150, 150});
-    auto inner = constrained();
-    auto follower = constrained();
+    auto inner = constrainedIn(left);
+    auto follower = constrainedIn(right);
     root->addSubview(left);
     root->addSubview(right);
-    left->addSubview(inner);
-    right->addSubview(follower);
     auto cross = follower->topAnchor().constraintEqualTo(inner->bottomAnchor(), 5);
     LayoutConstraint::activate({
         inner->leadingAnchor().constraintEqualTo(left->leadingAnchor(), 5),
@@ -162,9 +156,8 @@ TEST_F(ConstraintLayout, ViewsInDifferentBranchesAreSolvedInTheCommonAncestor) {
 
 TEST_F(ConstraintLayout, IntrinsicSizeHugsAndResistsByPriority) {
     auto root = View::create({0, 0, 300, 100});
-    auto label = constrained(kit::Label::create("Hello"));
+    auto label = constrainedIn(root, kit::Label::create("Hello"));
     label->setFont(kit::Font::systemFont(20));
-    root->addSubview(label);
     kit::Size natural = label->intrinsicContentSize();
     ASSERT_GT(natural.width, 0);
     auto leading = label->leadingAnchor().constraintEqualTo(root->leadingAnchor(), 10);
@@ -199,8 +192,7 @@ TEST_F(ConstraintLayout, SafeAreaGuideFollowsTheWindowInsetsAndRotation) {
     auto controller = kit::ViewController::create();
     window()->setRootViewController(controller);
     auto view = controller->view();
-    auto bar = constrained();
-    view->addSubview(bar);
+    auto bar = constrainedIn(view);
     auto& safe = view->safeAreaLayoutGuide();
     for (int round = 0; round < 2; ++round) {  // a rebuild that pins again without removing first
         LayoutConstraint::activate({
@@ -222,8 +214,7 @@ TEST_F(ConstraintLayout, SafeAreaGuideFollowsTheWindowInsetsAndRotation) {
 
 TEST_F(ConstraintLayout, FixedFramesFollowTheirMasksWhenTheSuperviewIsConstrained) {
     auto root = View::create({0, 0, 400, 400});
-    auto panel = constrained();
-    root->addSubview(panel);
+    auto panel = constrainedIn(root);
     auto width = panel->widthAnchor().constraintEqualToConstant(200);
     LayoutConstraint::activate({panel->topAnchor().constraintEqualTo(root->topAnchor()),
                                 panel->leadingAnchor().constraintEqualTo(root->leadingAnchor()), width,
@@ -235,8 +226,7 @@ TEST_F(ConstraintLayout, FixedFramesFollowTheirMasksWhenTheSuperviewIsConstraine
     badge->setAutoresizingMask(kit::AutoresizingMask::flexibleLeftMargin);
     panel->addSubview(fill);
     panel->addSubview(badge);
-    auto label = constrained();  // tied to the fixed-frame badge
-    panel->addSubview(label);
+    auto label = constrainedIn(panel);  // tied to the fixed-frame badge
     LayoutConstraint::activate({label->trailingAnchor().constraintEqualTo(badge->leadingAnchor()),
                                 label->topAnchor().constraintEqualTo(badge->bottomAnchor()),
                                 label->widthAnchor().constraintEqualToConstant(40),
@@ -260,8 +250,7 @@ TEST_F(ConstraintLayout, FixedFramesFollowTheirMasksWhenTheSuperviewIsConstraine
 TEST_F(ConstraintLayout, MarginAndCustomGuidesPositionViews) {
     auto root = View::create({0, 0, 200, 100});
     root->setLayoutMargins({4, 10, 6, 20});
-    auto inset = constrained();
-    root->addSubview(inset);
+    auto inset = constrainedIn(root);
     auto& margins = root->layoutMarginsGuide();
     LayoutConstraint::activate({
         inset->leadingAnchor().constraintEqualTo(margins.leadingAnchor()),

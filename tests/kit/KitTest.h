@@ -38,6 +38,14 @@ std::shared_ptr<V> constrained(std::shared_ptr<V> view = kit::View::create()) {
     return view;
 }
 
+/// `constrained(view)`, added to `parent`.
+template <typename V = kit::View>
+std::shared_ptr<V> constrainedIn(const std::shared_ptr<kit::View>& parent,
+                                 std::shared_ptr<V> view = kit::View::create()) {
+    parent->addSubview(constrained(view));
+    return view;
+}
+
 /// A view sized by constraints alone; the width holds at `widthPriority`.
 inline std::shared_ptr<kit::View> box(double w, double h,
                                       float widthPriority = kit::LayoutPriority::required) {
@@ -63,17 +71,6 @@ inline std::vector<std::shared_ptr<kit::LayoutConstraint>> pin(const std::shared
     };
     kit::LayoutConstraint::activate(edges);
     return edges;
-}
-
-/// Rectangles compared within floating-point noise.
-inline ::testing::AssertionResult rectNear(const kit::Rect& actual, const kit::Rect& expected,
-                                           double tol = 1e-6) {
-    if (kit::nearlyEqual(actual.x(), expected.x(), tol) && kit::nearlyEqual(actual.y(), expected.y(), tol) &&
-        kit::nearlyEqual(actual.width(), expected.width(), tol) &&
-        kit::nearlyEqual(actual.height(), expected.height(), tol)) {
-        return ::testing::AssertionSuccess();
-    }
-    return ::testing::AssertionFailure() << "got " << actual << ", expected " << expected;
 }
 
 }  // namespace ovix::test

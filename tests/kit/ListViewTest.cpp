@@ -65,8 +65,7 @@ TEST_F(ListViews, ScrollContentGuideSetsTheContentSizeAndDragsStayInside) {
     auto root = View::create({0, 0, 390, 844});
     auto scroll = kit::ScrollView::create();
     pin(scroll, root);
-    auto content = constrained();
-    scroll->addSubview(content);
+    auto content = constrainedIn(scroll);
     auto& guide = scroll->contentLayoutGuide();
     LayoutConstraint::activate({
         content->topAnchor().constraintEqualTo(guide.topAnchor()),

@@ -33,7 +33,8 @@ TEST_F(StackViews, FillEquallySplitsTheWidthExactly) {
     row->addArrangedSubview(third);
     root->layoutIfNeeded();
     double w = (337 - 24) / 3.0;
-    EXPECT_TRUE(rectNear(third->frame(), {2 * (w + 12), 0, w, 44}));
+    EXPECT_NEAR(third->frame().x(), 2 * (w + 12), 1e-6);
+    EXPECT_NEAR(third->frame().width(), w, 1e-6);
 
     close->setHidden(true);  // hidden views leave the arrangement
     root->layoutIfNeeded();

@@ -43,16 +43,11 @@ bool solveSquare(std::vector<std::vector<double>> a, std::vector<double> b, std:
 
 }  // namespace
 
-double BruteForceOracle::residual(const LinearConstraint& constraint, const std::vector<double>& x) {
-    double sum = constraint.constant;
-    for (std::size_t i = 0; i < x.size(); ++i) {
-        sum += constraint.coefficients[i] * x[i];
-    }
-    return sum;
-}
-
 double BruteForceOracle::violation(const LinearConstraint& constraint, const std::vector<double>& x) {
-    double r = residual(constraint, x);
+    double r = constraint.constant;
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        r += constraint.coefficients[i] * x[i];
+    }
     switch (constraint.relation) {
         case Relation::Equal:
             return std::fabs(r);
@@ -78,13 +73,6 @@ BruteForceOracle::Objective BruteForceOracle::objective(const std::vector<Linear
         total[2] += w.weak * v;
     }
     return total;
-}
-
-bool BruteForceOracle::requiredHold(const std::vector<LinearConstraint>& constraints,
-                                    const std::vector<double>& x, double tolerance) {
-    return std::all_of(constraints.begin(), constraints.end(), [&](const LinearConstraint& c) {
-        return c.strength < strength::required || violation(c, x) <= tolerance;
-    });
 }
 
 int BruteForceOracle::compare(const Objective& a, const Objective& b, double tolerance) {
@@ -113,12 +101,15 @@ BruteForceOracle::Result BruteForceOracle::minimise(const std::vector<LinearCons
                 b.push_back(-constraints[index].constant);
             }
             std::vector<double> x;
-            if (!solveSquare(a, b, x) || !requiredHold(constraints, x, 1e-7)) {
+            auto breaks = [&](const LinearConstraint& c) {
+                return c.strength >= strength::required && violation(c, x) > 1e-7;
+            };
+            if (!solveSquare(a, b, x) || std::any_of(constraints.begin(), constraints.end(), breaks)) {
                 return;
             }
             Objective value = objective(constraints, x);
             if (!best.feasible || compare(value, best.objective, 1e-9) < 0) {
-                best = Result{true, value, x};
+                best = Result{true, value};
             }
             return;
         }

@@ -25,17 +25,13 @@ class BruteForceOracle {
     struct Result {
         bool feasible = false;
         Objective objective{};
-        std::vector<double> point;
     };
 
     /// Error of every non-required constraint at `x`, weighted and summed per strength level.
     static Objective objective(const std::vector<LinearConstraint>& constraints,
                                const std::vector<double>& x);
-    static double residual(const LinearConstraint& constraint, const std::vector<double>& x);
     /// How far `x` is from satisfying `constraint` (0 when it holds).
     static double violation(const LinearConstraint& constraint, const std::vector<double>& x);
-    static bool requiredHold(const std::vector<LinearConstraint>& constraints, const std::vector<double>& x,
-                             double tolerance);
     /// -1, 0 or 1 comparing two objectives level by level, with a relative tolerance.
     static int compare(const Objective& a, const Objective& b, double tolerance);
 

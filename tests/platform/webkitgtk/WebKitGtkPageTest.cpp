@@ -30,10 +30,7 @@ class WebKitGtkPageTest : public ::testing::Test {
         WebKitGtkPage::Callbacks callbacks;
         callbacks.started = [this] { events.push_back("started"); };
         callbacks.committed = [this] { events.push_back("committed"); };
-        callbacks.finished = [this] {
-            events.push_back("finished");
-            ++finishedCount;
-        };
+        callbacks.finished = [this] { events.push_back("finished"); };
         callbacks.failed = [this](const WebError& error) {
             events.push_back("failed");
             failures.push_back(error);
@@ -44,11 +41,19 @@ class WebKitGtkPageTest : public ::testing::Test {
         page = std::make_unique<WebKitGtkPage>(std::move(callbacks));
     }
 
-    void loadAndFinish(const std::string& path) {
-        const int before = finishedCount;
+    int finishedCount() const {
+        return static_cast<int>(std::count(events.begin(), events.end(), "finished"));
+    }
+
+    /// Loads `path` (serving `html` there first, when given) and waits for the load to finish.
+    void loadAndFinish(const std::string& path, const std::string& html = "") {
+        if (!html.empty()) {
+            server.page(path, html);
+        }
+        const int before = finishedCount();
         const auto failed = failures.size();
         page->load(URLRequest{server.url(path)});
-        ASSERT_TRUE(pumpUntil([&] { return finishedCount > before || failures.size() > failed; })) << path;
+        ASSERT_TRUE(pumpUntil([&] { return finishedCount() > before || failures.size() > failed; })) << path;
         ASSERT_EQ(failures.size(), failed) << failures.back().description();
     }
 
@@ -68,7 +73,6 @@ class WebKitGtkPageTest : public ::testing::Test {
     std::vector<std::string> events;
     std::vector<WebError> failures;
     std::vector<Message> messages;
-    int finishedCount = 0;
 };
 
 TEST_F(WebKitGtkPageTest, PageMessagesArriveOnlyUnderRegisteredNamesWithTheBodyAsAValue) {
@@ -110,13 +114,12 @@ TEST_F(WebKitGtkPageTest, AnUnreachableHostFailsWithoutFinishing) {
     pumpPending();
 
     EXPECT_EQ(failures.front().kind, WebError::Kind::Network) << failures.front().description();
-    EXPECT_EQ(std::count(events.begin(), events.end(), "finished"), 0);
+    EXPECT_EQ(finishedCount(), 0);
 }
 
 TEST_F(WebKitGtkPageTest, ALoadWithoutAnswerTimesOut) {
     // A first page brings the web process up, so the short time-out measures the load, not the start.
-    server.page("/warm", "<html><body>warm</body></html>");
-    loadAndFinish("/warm");
+    loadAndFinish("/warm", "<html><body>warm</body></html>");
     server.on("/slow", LoopbackServer::Reply{.stall = true});
     page->load(URLRequest{server.url("/slow"), 0.3});
     ASSERT_TRUE(pumpUntil([&] { return !failures.empty(); }));
@@ -124,16 +127,14 @@ TEST_F(WebKitGtkPageTest, ALoadWithoutAnswerTimesOut) {
     server.releaseStalled();
 
     // The stopped load leaves no trace, and the next load reports normally.
-    server.page("/after", "<html><body>after</body></html>");
-    loadAndFinish("/after");
+    loadAndFinish("/after", "<html><body>after</body></html>");
     EXPECT_EQ(failures.size(), 1u);
-    EXPECT_EQ(std::count(events.begin(), events.end(), "finished"), 2);
+    EXPECT_EQ(finishedCount(), 2);
 }
 
 TEST_F(WebKitGtkPageTest, LoadsReportInOrderAndBackNavigationReturnsToThePreviousPage) {
-    server.page("/first", "<html><body>first</body></html>");
     server.page("/second", "<html><body>second</body></html>");
-    loadAndFinish("/first");
+    loadAndFinish("/first", "<html><body>first</body></html>");
     EXPECT_EQ(events, (std::vector<std::string>{"started", "committed", "finished"}));
     EXPECT_EQ(page->url(), server.url("/first"));
     EXPECT_FALSE(page->canGoBack());
@@ -142,22 +143,21 @@ TEST_F(WebKitGtkPageTest, LoadsReportInOrderAndBackNavigationReturnsToThePreviou
     EXPECT_EQ(events.size(), 3u);
 
     // The page navigates by itself, as a login page moving between its own screens does.
-    const int before = finishedCount;
+    const int before = finishedCount();
     evaluate("location.href = '/second'");
-    ASSERT_TRUE(pumpUntil([&] { return finishedCount > before; }));
+    ASSERT_TRUE(pumpUntil([&] { return finishedCount() > before; }));
     EXPECT_EQ(page->url(), server.url("/second"));
     ASSERT_TRUE(page->canGoBack());
 
-    const int afterSecond = finishedCount;
+    const int afterSecond = finishedCount();
     page->goBack();
-    ASSERT_TRUE(pumpUntil([&] { return finishedCount > afterSecond; }));
+    ASSERT_TRUE(pumpUntil([&] { return finishedCount() > afterSecond; }));
     EXPECT_EQ(page->url(), server.url("/first"));
     EXPECT_FALSE(page->canGoBack());
 }
 
 TEST_F(WebKitGtkPageTest, ScriptsReturnTheirValueOrTheErrorTheyRaised) {
-    server.page("/js", "<html><body><script>window.twice = (o) => ({n: o.n * 2});</script></body></html>");
-    loadAndFinish("/js");
+    loadAndFinish("/js", "<html><body><script>window.twice = (o) => ({n: o.n * 2});</script></body></html>");
 
     auto [value, noError] = evaluate("twice({n: 21})");
     EXPECT_FALSE(noError.has_value());

@@ -192,7 +192,6 @@ TEST_F(LoginViewControllerTest, TheBackButtonFollowsTheBackListAfterEachFinished
     EXPECT_EQ(web->presentation(start + 0.25).frame().origin.y, 80.0);
     EXPECT_EQ(web->frame(), (kit::Rect{0, 80, 390, 764}));
     EXPECT_EQ(back->frame(), (kit::Rect{16, 47 + 8, 60, 36}));
-    EXPECT_EQ(back->title(kit::ControlState::normal), "← Back");
 
     back->sendActions(kit::ControlEvent::touchUpInside);
     EXPECT_EQ(web->goBackCount(), 1);
