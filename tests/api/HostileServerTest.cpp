@@ -14,18 +14,10 @@ const std::string kUserInfo = "/auth-connect/api/v2.0/oauth2/auth/userinfo";
 
 TEST_F(ApiTest, ABodyNestedThousandsDeepIsNilNotACrash) {
     store("ovix_token", "t");
-    for (const std::string& data : {std::string(20000, '[') + std::string(20000, ']'), [] {
-                                        std::string text;
-                                        for (int i = 0; i < 20000; ++i) {
-                                            text += R"({"a":)";
-                                        }
-                                        return text + "1" + std::string(20000, '}');
-                                    }()}) {
-        server.on(kUserInfo, LoopbackServer::Reply{200, R"({"Data":)" + data + "}"});
-        auto info =
-            Outcome<std::optional<Dictionary>>().run([](auto done) { APIService::getUserInfo(done); });
-        EXPECT_FALSE(info);
-    }
+    // Arrays here; the same limit holds for objects (the value tests show it).
+    const std::string data = std::string(20000, '[') + std::string(20000, ']');
+    server.on(kUserInfo, LoopbackServer::Reply{200, R"({"Data":)" + data + "}"});
+    EXPECT_FALSE(Outcome<std::optional<Dictionary>>().run([](auto done) { APIService::getUserInfo(done); }));
 }
 
 TEST_F(ApiTest, CallsInFlightWhenThePlatformIsReplacedAllComplete) {

@@ -4,6 +4,7 @@
 #include <future>
 #include <thread>
 
+#include "ovix/testing/CapturingConsole.h"
 #include "ovix/testing/HeadlessPlatform.h"
 
 namespace {
@@ -11,22 +12,16 @@ namespace {
 using namespace ovix;
 using ovix::testing::HeadlessPlatform;
 
-// A service whose teardown waits for another thread that asks the registry for the platform, as a
-// transport joining a worker that is inside a completion does.
-class ConsoleJoiningAReader : public platform::Console {
-  public:
-    ~ConsoleJoiningAReader() override {
-        std::thread reader([] { (void)platform::current(); });
-        reader.join();
-    }
-    void printLine(std::string_view) override {}
-};
-
 }  // namespace
 
 TEST(PlatformRegistry, AReplacedPlatformIsReleasedOutsideTheRegistryLock) {
     auto first = HeadlessPlatform::create();
-    first.platform->console = std::make_shared<ConsoleJoiningAReader>();
+    // A service whose teardown waits for a thread that asks the registry for the platform, as a
+    // transport joining a worker that is inside a completion does.
+    first.platform->console.reset(new ovix::testing::CapturingConsole, [](platform::Console* console) {
+        std::thread([] { (void)platform::current(); }).join();
+        delete console;
+    });
     first.install();
     auto second = HeadlessPlatform::create();
     std::weak_ptr<platform::Platform> replaced = first.platform;

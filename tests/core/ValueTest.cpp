@@ -91,15 +91,9 @@ TEST(Value, NestingBeyondTheLimitIsRefusedAndNeverExhaustsTheStack) {
     // A value built in code may nest without limit; destroying it must not recurse.
     Value deep;
     for (int i = 0; i < 300000; ++i) {
-        if (i % 2) {
-            Array a;
-            a.push_back(std::move(deep));
-            deep = Value(std::move(a));
-        } else {
-            Dictionary d;
-            d.emplace("k", std::move(deep));
-            deep = Value(std::move(d));
-        }
+        Value inner = std::move(deep);
+        deep = i % 2 ? Value(Array(1)) : Value(Dictionary{{"k", Value()}});
+        (i % 2 ? deep.asArray()->front() : deep.asObject()->begin()->second) = std::move(inner);
     }
 }
 

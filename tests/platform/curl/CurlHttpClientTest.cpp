@@ -114,12 +114,6 @@ TEST_F(CurlClient, EveryCompletionRunsOnceWhateverHappensToTheClient) {
     EXPECT_FALSE(watch.expired());
     server.releaseStalled();
     ASSERT_EQ(all.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
-
-    // The last request dropped the last reference, on the client's own worker: it goes, cleanly.
-    for (int i = 0; i < 2000 && !watch.expired(); ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    EXPECT_TRUE(watch.expired());
 }
 
 TEST_F(CurlClient, RedirectsAreFollowedOnlyWithinTheOrigin) {

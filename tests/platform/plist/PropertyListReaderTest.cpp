@@ -16,9 +16,7 @@ using ovix::platform::PropertyListReader;
 
 std::string xmlArrays(std::size_t depth) {
     std::string open, close;
-    for (std::size_t i = 0; i < depth; ++i) {
-        open += "<array>";
-        close += "</array>";
+    for (std::size_t i = 0; i < depth; ++i, open += "<array>", close += "</array>") {
     }
     return "<plist version=\"1.0\">" + open + "<string>x</string>" + close + "</plist>";
 }

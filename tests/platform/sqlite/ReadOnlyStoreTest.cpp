@@ -4,7 +4,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <fstream>
+#include <sstream>
 #include <string>
 
 #include "ovix/testing/CapturingConsole.h"
@@ -21,16 +22,14 @@ constexpr uid_t kNobody = 65534;
 
 // Runs `check` in a child that cannot write where the store lives: the owner's write bits are taken
 // away and, when the tests run as root (who ignores them), the child becomes an unprivileged owner.
-// The child's console lines come back to the parent; it exits 0 when `check` held.
+// Returns the child's exit status (0 when `check` held) and its console lines, passed back in `log`.
 template <typename Check>
 std::pair<int, std::string> inReadOnlyChild(const fs::path& dir, const fs::path& lock, Check check) {
-    int pipeFds[2];
-    if (::pipe(pipeFds) != 0) {
-        return {-1, ""};
-    }
+    const fs::path log = fs::path(dir.string() + ".log");
+    std::ofstream(log).close();
+    fs::permissions(log, fs::perms::all);
     const pid_t child = ::fork();
     if (child == 0) {
-        ::close(pipeFds[0]);
         if (::geteuid() == 0) {
             for (const auto& path : {dir, dir / "store.sqlite3"}) {
                 (void)::chown(path.c_str(), kNobody, kNobody);
@@ -42,23 +41,19 @@ std::pair<int, std::string> inReadOnlyChild(const fs::path& dir, const fs::path&
         ::chmod(lock.c_str(), lock == dir ? 0500 : 0400);
         auto console = std::make_shared<ovix::testing::CapturingConsole>();
         const int status = check(console) ? 0 : 1;
-        std::string lines;
+        std::ofstream out(log);
         for (const auto& line : console->lines()) {
-            lines += line + "\n";
+            out << line << "\n";
         }
-        (void)!::write(pipeFds[1], lines.data(), lines.size());
+        out.close();
         ::_exit(status);
     }
-    ::close(pipeFds[1]);
-    std::string lines;
-    char buffer[4096];
-    for (ssize_t n; (n = ::read(pipeFds[0], buffer, sizeof buffer)) > 0;) {
-        lines.append(buffer, static_cast<std::size_t>(n));
-    }
-    ::close(pipeFds[0]);
     int status = 0;
     ::waitpid(child, &status, 0);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, lines};
+    std::stringstream lines;
+    lines << std::ifstream(log).rdbuf();
+    fs::remove(log);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, lines.str()};
 }
 
 }  // namespace
