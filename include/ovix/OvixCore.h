@@ -29,11 +29,11 @@ class OvixCore {
     OvixCore& operator=(const OvixCore&) = delete;
 
     /// Base address of the accounts host (login page, user info, eligibility), no trailing slash.
-    const std::string& urlString() const { return urlString_; }
+    const std::string& urlString() const;
     /// Base address of the graph host (news feed, image upload), no trailing slash.
-    const std::string& urlGraph() const { return urlGraph_; }
+    const std::string& urlGraph() const;
     /// The push topic's base name, "games-dev".
-    const std::string& topicFirebase() const { return topicFirebase_; }
+    const std::string& topicFirebase() const;
     /// The game's listener, or null when none is set or the game has released it.
     std::shared_ptr<OvixSdkListener> listener() const;
 
@@ -84,10 +84,6 @@ class OvixCore {
 
   private:
     OvixCore();
-
-    const std::string urlString_;
-    const std::string urlGraph_;
-    const std::string topicFirebase_;
 };
 
 }  // namespace ovix

@@ -24,10 +24,22 @@ OvixCore& OvixCore::shared() {
     return instance;
 }
 
-OvixCore::OvixCore()
-    : urlString_(Endpoints::shared().urlString),
-      urlGraph_(Endpoints::shared().urlGraph),
-      topicFirebase_(Endpoints::shared().topicFirebase) {}
+// The addresses are copied once, by the endpoints, when the facade is created.
+OvixCore::OvixCore() {
+    (void)Endpoints::shared();
+}
+
+const std::string& OvixCore::urlString() const {
+    return Endpoints::shared().urlString;
+}
+
+const std::string& OvixCore::urlGraph() const {
+    return Endpoints::shared().urlGraph;
+}
+
+const std::string& OvixCore::topicFirebase() const {
+    return Endpoints::shared().topicFirebase;
+}
 
 std::shared_ptr<OvixSdkListener> OvixCore::listener() const {
     return EventSlot::shared().listener();

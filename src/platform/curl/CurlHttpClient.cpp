@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+#include "core/UrlSyntax.h"
+
 namespace ovix::platform {
 
 namespace {
@@ -38,29 +40,6 @@ std::string_view trim(std::string_view text) {
 }
 
 constexpr int kMaxRedirects = 16;
-
-// Scheme, host and port (the scheme's default when none is written), lower-cased; empty when the
-// URL does not parse.
-std::string originOf(const char* url) {
-    CURLU* handle = curl_url();
-    std::string origin;
-    if (handle != nullptr && curl_url_set(handle, CURLUPART_URL, url, 0) == CURLUE_OK) {
-        for (auto part : {CURLUPART_SCHEME, CURLUPART_HOST, CURLUPART_PORT}) {
-            char* text = nullptr;
-            if (curl_url_get(handle, part, &text, CURLU_DEFAULT_PORT) != CURLUE_OK) {
-                origin.clear();
-                break;
-            }
-            origin += text;
-            origin += '|';
-            curl_free(text);
-        }
-    }
-    curl_url_cleanup(handle);
-    std::transform(origin.begin(), origin.end(), origin.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return origin;
-}
 
 void initialiseCurlOnce() {
     static const CURLcode code = curl_global_init(CURL_GLOBAL_DEFAULT);
@@ -301,8 +280,8 @@ struct CurlHttpClient::Engine {
             target == nullptr) {
             return false;
         }
-        const std::string origin = originOf(transfer->request.url.c_str());
-        if (origin.empty() || origin != originOf(target)) {
+        const std::string origin = UrlSyntax::origin(transfer->request.url);
+        if (origin.empty() || origin != UrlSyntax::origin(target)) {
             transfer->refusal = "Refused a redirect to another origin: " + std::string(target);
             return false;
         }
