@@ -6,6 +6,8 @@
 #include <fstream>
 #include <utility>
 
+#include "ovix/kit/Screen.h"
+#include "ovix/kit/host/Application.h"
 #include "ovix/platform/Platform.h"
 
 namespace ovix::kit {
@@ -85,7 +87,15 @@ std::shared_ptr<const Image> Image::named(std::string_view name) {
 }
 
 std::shared_ptr<const Image> Image::named(std::string_view name, const platform::Bundle& bundle) {
-    auto file = bundle.imagePath(name);
+    // A platform without an application (a console tool) has no screen; 1x is as good as any.
+    const auto& application = platform::current()->application;
+    const auto screen = application ? application->mainScreen() : nullptr;
+    return named(name, bundle, screen ? screen->scale() : 1);
+}
+
+std::shared_ptr<const Image> Image::named(std::string_view name, const platform::Bundle& bundle,
+                                          double scale) {
+    auto file = bundle.imagePath(name, scale);
     if (!file) {
         return nullptr;
     }

@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string>
 #include <system_error>
 
 #include "ovix/platform/ResourceBundle.h"
@@ -37,14 +41,31 @@ std::optional<fs::path> Bundle::pathForResource(std::string_view name, std::stri
     return std::nullopt;
 }
 
-std::optional<fs::path> Bundle::imagePath(std::string_view name) const {
-    std::string base(name);
-    for (const char* suffix : {".png", "@2x.png", "@3x.png", ".jpg"}) {
-        fs::path candidate = directory_ / (base + suffix);
-        std::error_code ec;
-        if (!base.empty() && fs::is_regular_file(candidate, ec)) {
+std::optional<fs::path> Bundle::imagePath(std::string_view name, double scale) const {
+    if (name.empty()) {
+        return std::nullopt;
+    }
+    struct Variant {
+        const char* suffix;
+        double scale;
+    };
+    std::array<Variant, 3> variants{{{".png", 1}, {"@2x.png", 2}, {"@3x.png", 3}}};
+    // Nearest scale first; on a tie the larger one.
+    std::stable_sort(variants.begin(), variants.end(), [scale](const Variant& a, const Variant& b) {
+        const double da = std::abs(a.scale - scale), db = std::abs(b.scale - scale);
+        return da != db ? da < db : a.scale > b.scale;
+    });
+    const std::string base(name);
+    std::error_code ec;
+    for (const auto& variant : variants) {
+        fs::path candidate = directory_ / (base + variant.suffix);
+        if (fs::is_regular_file(candidate, ec)) {
             return candidate;
         }
+    }
+    fs::path jpeg = directory_ / (base + ".jpg");
+    if (fs::is_regular_file(jpeg, ec)) {
+        return jpeg;
     }
     return std::nullopt;
 }

@@ -27,9 +27,13 @@ enum class ImageRenderingMode {
 class Image {
   public:
     /// The image `name` in the SDK's resource bundle (`platform::current()->sdkBundle()`); null when
-    /// the bundle has no such image.
+    /// the bundle has no such image. The file is the variant for the main screen's scale (or the
+    /// nearest there is); `size()` is in points whichever was found.
     static std::shared_ptr<const Image> named(std::string_view name);
     static std::shared_ptr<const Image> named(std::string_view name, const platform::Bundle& bundle);
+    /// The same for a display of `scale` pixels per point.
+    static std::shared_ptr<const Image> named(std::string_view name, const platform::Bundle& bundle,
+                                              double scale);
     /// A system symbol; null for a name outside the table (callers decide whether that is fatal).
     static std::shared_ptr<const Image> systemNamed(std::string_view name);
     /// Names in the system symbol table, sorted.

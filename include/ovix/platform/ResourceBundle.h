@@ -17,8 +17,10 @@ class Bundle {
     const std::filesystem::path& directory() const { return directory_; }
     /// `<name>.<type>` in the bundle (`<name>` alone when `type` is empty), if it is a regular file.
     std::optional<std::filesystem::path> pathForResource(std::string_view name, std::string_view type) const;
-    /// An image by name: `<name>.png`, then `<name>@2x.png`, `<name>@3x.png`, `<name>.jpg`.
-    std::optional<std::filesystem::path> imagePath(std::string_view name) const;
+    /// An image by name, the PNG variant drawn for `scale` pixels per point when there is one
+    /// (`<name>.png`, `<name>@2x.png`, `<name>@3x.png`), else the nearest scale (the larger on a tie,
+    /// since shrinking stays crisp), else `<name>.jpg`. Nullopt when none is a regular file.
+    std::optional<std::filesystem::path> imagePath(std::string_view name, double scale = 1) const;
 
   private:
     std::filesystem::path directory_;

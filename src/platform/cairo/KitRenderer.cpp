@@ -4,11 +4,17 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <string>
 
 #include "ovix/kit/ImageView.h"
 #include "ovix/kit/Label.h"
 #include "ovix/kit/ProgressView.h"
+#include "ovix/kit/TableViewCell.h"
+#include "ovix/kit/TextField.h"
+#include "ovix/kit/TextView.h"
 #include "ovix/kit/host/WebView.h"
+#include "platform/cairo/SymbolPainter.h"
 
 namespace ovix::platform::gtk {
 
@@ -31,6 +37,66 @@ void roundedRect(cairo_t* cr, const kit::Rect& r, double radius) {
     cairo_arc(cr, x + radius, y + h - radius, radius, M_PI / 2, M_PI);
     cairo_arc(cr, x + radius, y + radius, radius, M_PI, 3 * M_PI / 2);
     cairo_close_path(cr);
+}
+
+/// A Pango layout of `text` in the kit's font, `width` points wide (wrapping unless one line).
+PangoLayout* textLayout(cairo_t* cr, const std::string& text, const kit::Font& font, double width, int lines,
+                        kit::TextAlignment alignment) {
+    PangoLayout* layout = pango_cairo_create_layout(cr);
+    PangoFontDescription* description = pango_font_description_new();
+    // The kit measures text at about 0.55 em a character; the condensed face matches that best.
+    pango_font_description_set_family(description, "DejaVu Sans Condensed,Sans");
+    pango_font_description_set_absolute_size(description, font.pointSize() * PANGO_SCALE);
+    pango_font_description_set_weight(description, font.isBold() ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
+    pango_layout_set_font_description(layout, description);
+    pango_font_description_free(description);
+    pango_layout_set_text(layout, text.c_str(), -1);
+    pango_layout_set_width(layout, static_cast<int>(std::max(0.0, width) * PANGO_SCALE));
+    pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
+    if (lines == 1) {
+        pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
+    }
+    switch (alignment) {
+        case kit::TextAlignment::center:
+            pango_layout_set_alignment(layout, PANGO_ALIGN_CENTER);
+            break;
+        case kit::TextAlignment::right:
+            pango_layout_set_alignment(layout, PANGO_ALIGN_RIGHT);
+            break;
+        default:
+            pango_layout_set_alignment(layout, PANGO_ALIGN_LEFT);
+            break;
+    }
+    return layout;
+}
+
+double layoutHeight(PangoLayout* layout) {
+    int width = 0;
+    int height = 0;
+    pango_layout_get_pixel_size(layout, &width, &height);
+    return height;
+}
+
+/// The insertion point after the last character, drawn at `origin` (the layout's top left).
+void drawCaret(cairo_t* cr, PangoLayout* layout, kit::Point origin, const kit::Color& tint) {
+    PangoRectangle strong;
+    pango_layout_get_cursor_pos(layout, static_cast<int>(std::strlen(pango_layout_get_text(layout))), &strong,
+                                nullptr);
+    cairo_rectangle(cr, origin.x + pango_units_to_double(strong.x),
+                    origin.y + pango_units_to_double(strong.y), 2, pango_units_to_double(strong.height));
+    setColor(cr, tint);
+    cairo_fill(cr);
+}
+
+/// One bullet per character: what a secure field shows.
+std::string bullets(const std::string& text) {
+    std::string shown;
+    for (unsigned char c : text) {
+        if ((c & 0xC0) != 0x80) {
+            shown += "\xE2\x80\xA2";  // U+2022 BULLET
+        }
+    }
+    return shown;
 }
 
 }  // namespace
@@ -131,6 +197,12 @@ void KitRenderer::drawContent(cairo_t* cr, const kit::View& view, const kit::Vie
         drawLabel(cr, view);
     } else if (dynamic_cast<const kit::ProgressView*>(&view)) {
         drawProgress(cr, view, bounds, time);
+    } else if (const auto* field = dynamic_cast<const kit::TextField*>(&view)) {
+        drawTextField(cr, *field);
+    } else if (const auto* text = dynamic_cast<const kit::TextView*>(&view)) {
+        drawTextView(cr, *text, shown.bounds.origin);
+    } else if (const auto* cell = dynamic_cast<const kit::TableViewCell*>(&view)) {
+        drawAccessory(cr, *cell, bounds);
     }
     if (layer.borderWidth() > 0) {
         const double inset = layer.borderWidth() / 2;
@@ -151,40 +223,65 @@ cairo_surface_t* KitRenderer::surfaceFor(const std::filesystem::path& path) {
     return cairo_surface_status(slot.get()) == CAIRO_STATUS_SUCCESS ? slot.get() : nullptr;
 }
 
+const std::filesystem::path& KitRenderer::variantFor(const kit::Image& image, double scale) {
+    // Only a few scales occur (screen and snapshot), so whole hundredths make a stable key.
+    const std::string key = image.path()->string() + "|" + std::to_string(std::lround(scale * 100));
+    auto it = variants_.find(key);
+    if (it == variants_.end()) {
+        const auto found = platform::Bundle(image.path()->parent_path()).imagePath(image.name(), scale);
+        it = variants_.emplace(key, found.value_or(*image.path())).first;
+    }
+    return it->second;
+}
+
+cairo_surface_t* KitRenderer::pixelSurface(const platform::RgbaImage& pixels) {
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, pixels.width, pixels.height);
+    unsigned char* data = cairo_image_surface_get_data(surface);
+    const int stride = cairo_image_surface_get_stride(surface);
+    for (int y = 0; y < pixels.height; ++y) {
+        auto* row = reinterpret_cast<std::uint32_t*>(data + y * stride);
+        for (int x = 0; x < pixels.width; ++x) {
+            const auto* p = &pixels.pixels[static_cast<std::size_t>((y * pixels.width + x) * 4)];
+            const unsigned a = p[3];
+            // Cairo wants premultiplied native-endian ARGB.
+            row[x] = (a << 24) | ((p[0] * a / 255) << 16) | ((p[1] * a / 255) << 8) | (p[2] * a / 255);
+        }
+    }
+    cairo_surface_mark_dirty(surface);
+    return surface;
+}
+
 void KitRenderer::drawImage(cairo_t* cr, const kit::View& view, double) {
     const auto& imageView = static_cast<const kit::ImageView&>(view);
     const auto& image = imageView.image();
-    if (!image || image->isSymbol()) {
+    const kit::Rect target = imageView.imageRect();
+    if (!image || target.size.width <= 0 || target.size.height <= 0) {
+        return;
+    }
+    const kit::Color ink = image->isTemplate() ? view.tintColor() : kit::Color::label();
+    if (image->isSymbol()) {
+        setColor(cr, ink);
+        SymbolPainter::paint(cr, image->name(), target);
         return;
     }
     cairo_surface_t* surface = nullptr;
     std::shared_ptr<cairo_surface_t> owned;
     if (image->path()) {
-        surface = surfaceFor(*image->path());
+        // The file drawn is the one made for the output's pixels per point (a 3x snapshot of a 1x
+        // screen takes the @3x file), whatever variant the image was created from.
+        double dx = 1, dy = 0;
+        cairo_user_to_device_distance(cr, &dx, &dy);
+        surface = surfaceFor(image->name().empty() ? *image->path() : variantFor(*image, std::hypot(dx, dy)));
     } else if (const auto* pixels = image->pixels()) {
-        owned.reset(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, pixels->width, pixels->height),
-                    cairo_surface_destroy);
-        unsigned char* data = cairo_image_surface_get_data(owned.get());
-        const int stride = cairo_image_surface_get_stride(owned.get());
-        for (int y = 0; y < pixels->height; ++y) {
-            auto* row = reinterpret_cast<std::uint32_t*>(data + y * stride);
-            for (int x = 0; x < pixels->width; ++x) {
-                const auto* p = &pixels->pixels[static_cast<std::size_t>((y * pixels->width + x) * 4)];
-                const unsigned a = p[3];
-                // Cairo wants premultiplied native-endian ARGB.
-                row[x] = (a << 24) | ((p[0] * a / 255) << 16) | ((p[1] * a / 255) << 8) | (p[2] * a / 255);
-            }
-        }
-        cairo_surface_mark_dirty(owned.get());
+        owned.reset(pixelSurface(*pixels), cairo_surface_destroy);
         surface = owned.get();
     }
     if (surface == nullptr) {
         return;
     }
-    const kit::Rect target = imageView.imageRect();
     const double width = cairo_image_surface_get_width(surface);
     const double height = cairo_image_surface_get_height(surface);
-    if (target.size.width <= 0 || target.size.height <= 0 || width <= 0 || height <= 0) {
+    if (width <= 0 || height <= 0) {
         return;
     }
     cairo_save(cr);
@@ -193,7 +290,7 @@ void KitRenderer::drawImage(cairo_t* cr, const kit::View& view, double) {
     cairo_set_source_surface(cr, surface, 0, 0);
     cairo_pattern_set_filter(cairo_get_source(cr), CAIRO_FILTER_GOOD);
     if (image->isTemplate()) {
-        setColor(cr, view.tintColor());
+        setColor(cr, ink);
         cairo_mask_surface(cr, surface, 0, 0);
     } else {
         cairo_paint(cr);
@@ -207,39 +304,86 @@ void KitRenderer::drawLabel(cairo_t* cr, const kit::View& view) {
         return;
     }
     const auto size = label.bounds().size;
-    PangoLayout* layout = pango_cairo_create_layout(cr);
-    PangoFontDescription* font = pango_font_description_new();
-    // The kit measures text at about 0.55 em a character; the condensed face matches that best.
-    pango_font_description_set_family(font, "DejaVu Sans Condensed,Sans");
-    pango_font_description_set_absolute_size(font, label.font().pointSize() * PANGO_SCALE);
-    pango_font_description_set_weight(font, label.font().isBold() ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
-    pango_layout_set_font_description(layout, font);
-    pango_font_description_free(font);
-    pango_layout_set_text(layout, label.text().c_str(), -1);
-    pango_layout_set_width(layout, static_cast<int>(size.width * PANGO_SCALE));
-    pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
-    if (label.numberOfLines() == 1) {
-        pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
-    }
-    switch (label.textAlignment()) {
-        case kit::TextAlignment::center:
-            pango_layout_set_alignment(layout, PANGO_ALIGN_CENTER);
-            break;
-        case kit::TextAlignment::right:
-            pango_layout_set_alignment(layout, PANGO_ALIGN_RIGHT);
-            break;
-        default:
-            pango_layout_set_alignment(layout, PANGO_ALIGN_LEFT);
-            break;
-    }
-    int width = 0;
-    int height = 0;
-    pango_layout_get_pixel_size(layout, &width, &height);
+    PangoLayout* layout =
+        textLayout(cr, label.text(), label.font(), size.width, label.numberOfLines(), label.textAlignment());
     // Labels centre their text vertically.
-    cairo_move_to(cr, 0, std::max(0.0, (size.height - height) / 2));
+    cairo_move_to(cr, 0, std::max(0.0, (size.height - layoutHeight(layout)) / 2));
     setColor(cr, label.textColor());
     pango_cairo_show_layout(cr, layout);
     g_object_unref(layout);
+}
+
+void KitRenderer::drawTextField(cairo_t* cr, const kit::TextField& field) {
+    const auto size = field.bounds().size;
+    if (field.borderStyle() != kit::TextBorderStyle::none) {
+        const bool rounded = field.borderStyle() == kit::TextBorderStyle::roundedRect;
+        roundedRect(cr, {{0.25, 0.25}, {size.width - 0.5, size.height - 0.5}}, rounded ? 5 : 0);
+        setColor(cr, rounded ? kit::Color::separator() : kit::Color::darkGray());
+        cairo_set_line_width(cr, 0.5);
+        cairo_stroke(cr);
+    }
+    const bool empty = field.text().empty();
+    const kit::Rect area = field.textRect();
+    const std::string& shown = empty ? field.placeholder() : field.text();
+    PangoLayout* layout = textLayout(cr, field.isSecureTextEntry() && !empty ? bullets(shown) : shown,
+                                     field.font(), area.size.width, 1, field.textAlignment());
+    // Height of a line even when empty, so the caret sits where the text will.
+    const kit::Point origin{area.origin.x,
+                            area.origin.y + (area.size.height - field.font().lineHeight()) / 2};
+    if (!shown.empty()) {
+        cairo_move_to(cr, origin.x, origin.y);
+        setColor(cr, empty ? kit::Color::placeholderText() : field.textColor());
+        pango_cairo_show_layout(cr, layout);
+    }
+    if (field.isEditing() && field.tintColor().a() > 0) {
+        if (empty) {
+            pango_layout_set_text(layout, "", -1);
+        }
+        drawCaret(cr, layout, origin, field.tintColor());
+    }
+    g_object_unref(layout);
+}
+
+void KitRenderer::drawTextView(cairo_t* cr, const kit::TextView& view, kit::Point offset) {
+    const auto size = view.bounds().size;
+    const auto inset = view.textContainerInset();
+    const double pad = kit::TextView::linePadding;
+    PangoLayout* layout =
+        textLayout(cr, view.text(), view.font(), size.width - inset.left - inset.right - 2 * pad, 0,
+                   view.textAlignment());
+    // The text is content: it scrolls with the offset, which is this view's bounds origin.
+    const kit::Point origin{inset.left + pad - offset.x, inset.top - offset.y};
+    cairo_move_to(cr, origin.x, origin.y);
+    setColor(cr, view.textColor());
+    pango_cairo_show_layout(cr, layout);
+    if (view.isEditing() && view.tintColor().a() > 0) {
+        drawCaret(cr, layout, origin, view.tintColor());
+    }
+    g_object_unref(layout);
+}
+
+void KitRenderer::drawAccessory(cairo_t* cr, const kit::TableViewCell& cell, const kit::Rect& bounds) {
+    const char* glyph = nullptr;
+    kit::Color color = cell.tintColor();
+    switch (cell.accessoryType()) {
+        case kit::TableViewCellAccessoryType::checkmark:
+            glyph = "checkmark";
+            break;
+        case kit::TableViewCellAccessoryType::disclosureIndicator:
+            glyph = "chevron.right";
+            color = kit::Color::systemGray().withAlphaComponent(0.7);
+            break;
+        default:
+            return;  // detail buttons are not used by any screen
+    }
+    // Centred in the strip the content view leaves free at the right edge.
+    const auto glyphSize = SymbolPainter::accessorySize;
+    const double stripX = bounds.size.width - kit::TableViewCell::accessoryWidth;
+    const kit::Rect rect{{stripX + (kit::TableViewCell::accessoryWidth - glyphSize.width) / 2,
+                          (bounds.size.height - glyphSize.height) / 2},
+                         glyphSize};
+    setColor(cr, color);
+    SymbolPainter::paint(cr, glyph, rect);
 }
 
 void KitRenderer::drawProgress(cairo_t* cr, const kit::View& view, const kit::Rect& bounds, double time) {

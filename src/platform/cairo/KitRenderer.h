@@ -7,20 +7,27 @@
 #include <memory>
 #include <string>
 
+#include "ovix/kit/Image.h"
+#include "ovix/kit/TableViewCell.h"
+#include "ovix/kit/TextField.h"
+#include "ovix/kit/TextView.h"
 #include "ovix/kit/View.h"
 
 namespace ovix::platform::gtk {
 
 /// Draws a kit view tree with Cairo and Pango as it shows at a moment of the main queue's clock
 /// (animations interpolated): backgrounds with rounded corners, borders and shadows, alpha and
-/// clipping, images, labels (so button titles too) and progress bars. Symbol images, which have no
-/// artwork, are left out.
+/// clipping, bundle and pixel images (bundle files in the variant for the output's scale), system
+/// symbols (our own drawings), labels (so button, bar and cell titles too), text fields with their
+/// placeholder and caret, text views, table cell accessories and progress bars. Scroll views show
+/// their content at the content offset, clipped.
 ///
 /// Views that an engine draws itself (a web view) are not painted: the tree is split into what lies
 /// under the first such view (`Layer::below`) and what lies over it (`Layer::above`), so a host can
 /// put the engine's widget between the two. `Layer::all` paints everything (snapshots).
 ///
-/// Threading: main thread (it reads the views). Decoded image files are cached by path.
+/// Threading: main thread (it reads the views). Decoded image files are cached by path; a file
+/// that cannot be decoded draws nothing.
 class KitRenderer {
   public:
     enum class Layer { all, below, above };
@@ -43,10 +50,17 @@ class KitRenderer {
     void drawContent(cairo_t* cr, const kit::View& view, const kit::ViewPresentation& shown, double time);
     void drawImage(cairo_t* cr, const kit::View& view, double time);
     void drawLabel(cairo_t* cr, const kit::View& view);
+    void drawTextField(cairo_t* cr, const kit::TextField& field);
+    void drawTextView(cairo_t* cr, const kit::TextView& view, kit::Point offset);
+    void drawAccessory(cairo_t* cr, const kit::TableViewCell& cell, const kit::Rect& bounds);
     void drawProgress(cairo_t* cr, const kit::View& view, const kit::Rect& bounds, double time);
     cairo_surface_t* surfaceFor(const std::filesystem::path& path);
+    /// The file of a bundle image's variant nearest `scale` pixels per point.
+    const std::filesystem::path& variantFor(const kit::Image& image, double scale);
+    static cairo_surface_t* pixelSurface(const platform::RgbaImage& pixels);
 
     std::map<std::string, std::shared_ptr<cairo_surface_t>> images_;
+    std::map<std::string, std::filesystem::path> variants_;
 };
 
 }  // namespace ovix::platform::gtk
