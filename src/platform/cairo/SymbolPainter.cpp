@@ -37,20 +37,13 @@ void disc(cairo_t* cr, double x, double y, double r) {
     cairo_fill(cr);
 }
 
-/// A seal: a disc with twelve rounded bumps on its rim.
+/// A seal: a disc with twelve round scallops on its rim.
 void seal(cairo_t* cr) {
-    constexpr int points = 24;
-    for (int i = 0; i < points; ++i) {
-        const double angle = i * 2 * M_PI / points - M_PI / 2;
-        const double r = i % 2 == 0 ? 9.0 : 7.7;
-        const double x = 10 + r * std::cos(angle), y = 10 + r * std::sin(angle);
-        i == 0 ? cairo_move_to(cr, x, y) : cairo_line_to(cr, x, y);
+    disc(cr, 10, 10, 8.5);
+    for (int i = 0; i < 12; ++i) {
+        const double angle = i * M_PI / 6;
+        disc(cr, 10 + 7.8 * std::cos(angle), 10 + 7.8 * std::sin(angle), 2.0);
     }
-    cairo_close_path(cr);
-    cairo_set_line_width(cr, 1.2);
-    cairo_set_line_join(cr, CAIRO_LINE_JOIN_ROUND);
-    cairo_fill_preserve(cr);
-    cairo_stroke(cr);
 }
 
 /// Switches to erasing: what is drawn next cuts a hole into the glyph.
@@ -89,16 +82,16 @@ void calendar(cairo_t* cr) {  // 20 x 18
 
 void phone(cairo_t* cr) {
     // A handset: earpiece top left, mouthpiece bottom right, the grip bowing towards the lower left.
-    constexpr double cx = 16.6, cy = 3.4, r = 11.2;
+    constexpr double cx = 16.4, cy = 3.6, r = 11.8;
     cairo_new_sub_path(cr);
-    cairo_arc(cr, cx, cy, r, 0.52 * M_PI, 0.98 * M_PI);
-    cairo_set_line_width(cr, 4.2);
+    cairo_arc(cr, cx, cy, r, 0.5 * M_PI, M_PI);
+    cairo_set_line_width(cr, 5.0);
     cairo_set_line_cap(cr, CAIRO_LINE_CAP_BUTT);
     cairo_stroke(cr);
     for (double angle : {0.5 * M_PI, M_PI}) {
         const double ux = std::cos(angle), uy = std::sin(angle);
-        line(cr, {{cx + (r + 0.4) * ux, cy + (r + 0.4) * uy}, {cx + (r - 3.4) * ux, cy + (r - 3.4) * uy}},
-             5.2);
+        line(cr, {{cx + (r + 0.2) * ux, cy + (r + 0.2) * uy}, {cx + (r - 3.6) * ux, cy + (r - 3.6) * uy}},
+             6.0);
     }
 }
 
