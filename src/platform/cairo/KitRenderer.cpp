@@ -77,6 +77,18 @@ double layoutHeight(PangoLayout* layout) {
     return height;
 }
 
+/// The width of `layout`'s text on one unbroken line.
+double naturalWidth(PangoLayout* layout) {
+    PangoLayout* copy = pango_layout_copy(layout);
+    pango_layout_set_width(copy, -1);
+    pango_layout_set_ellipsize(copy, PANGO_ELLIPSIZE_NONE);
+    int width = 0;
+    int height = 0;
+    pango_layout_get_pixel_size(copy, &width, &height);
+    g_object_unref(copy);
+    return width;
+}
+
 /// The insertion point after the last character, drawn at `origin` (the layout's top left).
 void drawCaret(cairo_t* cr, PangoLayout* layout, kit::Point origin, const kit::Color& tint) {
     PangoRectangle strong;
@@ -309,7 +321,18 @@ void KitRenderer::drawLabel(cairo_t* cr, const kit::View& view) {
     // Labels centre their text vertically.
     cairo_move_to(cr, 0, std::max(0.0, (size.height - layoutHeight(layout)) / 2));
     setColor(cr, label.textColor());
-    pango_cairo_show_layout(cr, layout);
+    // The kit sizes labels with its fixed metrics, which a short bold word ("Xong") can outgrow in the
+    // real face; a line that misses by a little is narrowed to fit rather than cut to "Xo…".
+    const double natural = label.numberOfLines() == 1 ? naturalWidth(layout) : 0;
+    if (natural > size.width && natural <= size.width * 1.3) {
+        pango_layout_set_width(layout, -1);
+        cairo_save(cr);
+        cairo_scale(cr, size.width / natural, 1);
+        pango_cairo_show_layout(cr, layout);
+        cairo_restore(cr);
+    } else {
+        pango_cairo_show_layout(cr, layout);
+    }
     g_object_unref(layout);
 }
 

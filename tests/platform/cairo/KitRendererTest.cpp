@@ -7,6 +7,7 @@
 
 #include "kit/KitTest.h"
 #include "ovix/kit/ImageView.h"
+#include "ovix/kit/Label.h"
 #include "ovix/kit/ScrollView.h"
 #include "ovix/kit/TableViewCell.h"
 #include "ovix/kit/TextField.h"
@@ -245,6 +246,23 @@ TEST_F(KitRendering, ScrollViewShowsItsContentAtTheOffsetClipped) {
         Canvas canvas(*root, 1);
         EXPECT_EQ(canvas.count(reddish, c.redShown), c.redShown.size.width * c.redShown.size.height);
         EXPECT_EQ(canvas.count(anyInk, c.redShown, true), 0);
+    }
+}
+
+// Labels are sized by the kit's fixed metrics; the face drawn may run a little wider, and a short
+// title must then still show whole rather than as "Xo…".
+TEST_F(KitRendering, SingleLineLabelsAtTheirMeasuredWidthShowTheWholeText) {
+    for (const char* text : {"Xong", "Đóng", "Gửi Hỗ trợ"}) {
+        SCOPED_TRACE(text);
+        auto label = kit::Label::create(text);
+        label->setFont(kit::Font::boldSystemFont(17));
+        label->setTextColor(Color::black());
+        auto inkAtWidth = [&](double width) {
+            label->setFrame({0, 0, width, 30});
+            return Canvas(*label).count(anyInk, {0, 0, width, 30});
+        };
+        const int roomy = inkAtWidth(400);
+        EXPECT_GT(inkAtWidth(label->intrinsicContentSize().width), 0.85 * roomy);
     }
 }
 
