@@ -376,12 +376,18 @@ void KitRenderer::drawTextView(cairo_t* cr, const kit::TextView& view, kit::Poin
                    view.textAlignment());
     // The text is content: it scrolls with the offset, which is this view's bounds origin.
     const kit::Point origin{inset.left + pad - offset.x, inset.top - offset.y};
+    cairo_save(cr);
+    if (view.clipsToBounds()) {  // subviews are clipped later; scrolled text must be now
+        cairo_rectangle(cr, 0, 0, size.width, size.height);
+        cairo_clip(cr);
+    }
     cairo_move_to(cr, origin.x, origin.y);
     setColor(cr, view.textColor());
     pango_cairo_show_layout(cr, layout);
     if (view.isEditing() && view.tintColor().a() > 0) {
         drawCaret(cr, layout, origin, view.tintColor());
     }
+    cairo_restore(cr);
     g_object_unref(layout);
 }
 

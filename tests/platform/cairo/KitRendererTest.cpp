@@ -262,3 +262,8 @@ TEST_F(KitRendering, BundleImagesUseTheVariantForTheScale) {
 
 }  // namespace
 }  // namespace ovix::test
+
+// Fontconfig keeps its font cache for the life of the process and never frees it.
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libfontconfig.so\n";
+}
