@@ -56,11 +56,18 @@ class Canvas {
     /// In `area` (points), or with `outside` in the rest of the canvas.
     int count(char k, Rect a, bool outside = false) const {
         const int stride = cairo_image_surface_get_stride(surface_.get());
+        const int width = cairo_image_surface_get_width(surface_.get());
+        const int height = cairo_image_surface_get_height(surface_.get());
+        auto px = [&](double points, int limit) {
+            return std::clamp(static_cast<int>(points * scale_), 0, limit);
+        };
         int n = 0;
-        for (int y = 0; y < cairo_image_surface_get_height(surface_.get()); ++y) {
-            for (int x = 0; x < cairo_image_surface_get_width(surface_.get()); ++x) {
-                const double px = (x + 0.5) / scale_, py = (y + 0.5) / scale_;
-                const bool in = px >= a.origin.x && px < a.maxX() && py >= a.origin.y && py < a.maxY();
+        for (int y = outside ? 0 : px(a.origin.y, height); y < (outside ? height : px(a.maxY(), height));
+             ++y) {
+            for (int x = outside ? 0 : px(a.origin.x, width); x < (outside ? width : px(a.maxX(), width));
+                 ++x) {
+                const bool in = x >= px(a.origin.x, width) && x < px(a.maxX(), width) &&
+                                y >= px(a.origin.y, height) && y < px(a.maxY(), height);
                 const auto* row = cairo_image_surface_get_data(surface_.get()) + y * stride;
                 const std::uint32_t v = reinterpret_cast<const std::uint32_t*>(row)[x];
                 const double alpha = (v >> 24) / 255.0;
