@@ -1,0 +1,142 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "core/SessionManager.h"
+#include "ovix/OvixCore.h"
+#include "ovix/kit/WindowScene.h"
+#include "ui/overlay/OverlayTestSupport.h"
+
+namespace ovix::test {
+namespace {
+
+class OvixCoreOverlayTest : public OverlayTest {
+  protected:
+    ~OvixCoreOverlayTest() override { core.hideFloatingButton(); }
+
+    static bool holds(const kit::View& parent, const std::shared_ptr<kit::View>& view) {
+        const auto& all = parent.subviews();
+        return std::find(all.begin(), all.end(), view) != all.end();
+    }
+
+    OvixCore& core = OvixCore::shared();
+};
+
+TEST_F(OvixCoreOverlayTest, ShowPutsOneButtonOnTheKeyWindowAndKeepsTheFirst) {
+    core.showFloatingButton(56);
+    auto button = core.floatingButton();
+    ASSERT_NE(button, nullptr);
+    EXPECT_EQ(button->frame(), (kit::Rect{100, 200, 56, 56}));
+    EXPECT_TRUE(holds(*window(), button));
+
+    core.showFloatingButton(80);
+    EXPECT_EQ(core.floatingButton(), button);
+    EXPECT_EQ(button->frame().size, (kit::Size{56, 56}));
+    EXPECT_EQ(std::count(window()->subviews().begin(), window()->subviews().end(), button), 1);
+}
+
+TEST_F(OvixCoreOverlayTest, TheKeyWindowIsFoundThroughTheConnectedScenes) {
+    struct Row {
+        const char* name;
+        int windows;
+        int key;  // -1: none is key
+    };
+    const Row rows[] = {{"second window key", 2, 1}, {"no window key", 2, -1}, {"no window at all", 0, -1}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        start({390, 844}, false, row.windows);
+        auto windows = h.application->windows();
+        for (auto& w : windows) {
+            w->setHidden(false);
+        }
+        if (row.key >= 0) {
+            windows[static_cast<std::size_t>(row.key)]->makeKey();
+        } else if (!windows.empty()) {
+            // Another window, outside every scene, takes the key.
+            kit::Window::create(kit::Rect{0, 0, 10, 10})->makeKey();
+        }
+        core.showFloatingButton(50);
+        if (row.key < 0) {
+            EXPECT_EQ(core.floatingButton(), nullptr);
+            continue;
+        }
+        ASSERT_NE(core.floatingButton(), nullptr);
+        EXPECT_TRUE(holds(*windows[static_cast<std::size_t>(row.key)], core.floatingButton()));
+        core.hideFloatingButton();
+    }
+}
+
+TEST_F(OvixCoreOverlayTest, HideRemovesTheButtonButAnOpenSheetStaysUntilClosed) {
+    core.showFloatingButton(60);
+    auto button = core.floatingButton();
+    button->sendActions(kit::ControlEvent::touchUpInside);
+    h.mainQueue->advance(0.3);
+    auto sheet = button->popupView();
+    ASSERT_NE(sheet, nullptr);
+    std::weak_ptr<FloatingButton> weakButton = button;
+    button.reset();
+
+    core.hideFloatingButton();
+    EXPECT_EQ(core.floatingButton(), nullptr);
+    EXPECT_TRUE(weakButton.expired()) << "nothing else keeps the button";
+    EXPECT_TRUE(holds(*window(), sheet));
+    h.mainQueue->advance(1);
+    EXPECT_TRUE(holds(*window(), sheet)) << "no one closes it on its own";
+
+    core.hideFloatingButton();  // a second hide is harmless
+    core.showFloatingButton(40);
+    ASSERT_NE(core.floatingButton(), nullptr);
+    EXPECT_EQ(core.floatingButton()->frame().size, (kit::Size{40, 40})) << "a fresh button after hiding";
+}
+
+TEST_F(OvixCoreOverlayTest, GetAllNewsReadsTheFeedIntoItemsOrNil) {
+    struct Row {
+        const char* name;
+        long status;
+        const char* body;
+        std::optional<std::vector<std::string>> titles;
+    };
+    const Row rows[] = {
+        {"two articles in feed order", 200, R"({"Data":[{"Id":2,"Title":"B"},{"Id":1,"Title":"A"}]})",
+         std::vector<std::string>{"B", "A"}},
+        {"an empty feed", 200, R"({"Data":[]})", std::vector<std::string>{}},
+        {"a feed that is not a list", 200, R"({"Data":{"Title":"A"}})", std::nullopt},
+        {"a server error", 500, R"({"Data":[]})", std::nullopt},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        std::optional<std::optional<std::vector<NewsItem>>> got;
+        core.getAllNews([&](std::optional<std::vector<NewsItem>> items) { got = std::move(items); });
+        ASSERT_EQ(http->sentCount(), 1u);
+        EXPECT_NE(http->lastUrl().find("/game/online/api/v2.0/client/all-news?clientId="), std::string::npos);
+        ASSERT_TRUE(http->answer(row.status, row.body));
+        ASSERT_TRUE(got.has_value()) << "completed once the answer came";
+        ASSERT_EQ(got->has_value(), row.titles.has_value());
+        if (row.titles) {
+            std::vector<std::string> titles;
+            for (const auto& item : **got) {
+                titles.push_back(item.title);
+            }
+            EXPECT_EQ(titles, *row.titles);
+        }
+        start();
+    }
+}
+
+TEST_F(OvixCoreOverlayTest, UploadImageHandsBackTheWholeAnswer) {
+    platform::RgbaImage picture;
+    picture.width = 2;
+    picture.height = 2;
+    picture.pixels.assign(16, 0x80);
+    std::optional<std::optional<Dictionary>> got;
+    core.uploadImage(picture, [&](std::optional<Dictionary> answer) { got = std::move(answer); });
+    ASSERT_EQ(http->sentCount(), 1u);
+    EXPECT_NE(http->lastUrl().find("/inside/image/api/v2.0/upload"), std::string::npos);
+    ASSERT_TRUE(http->answer(200, R"({"Data":{"ImageUrl":"https://img/1.jpg"}})"));
+    ASSERT_TRUE(got.has_value() && got->has_value());
+    const Value* data = &(**got).at("Data");
+    EXPECT_EQ(data->stringAt("ImageUrl"), std::optional<std::string>("https://img/1.jpg"));
+}
+
+}  // namespace
+}  // namespace ovix::test
