@@ -58,7 +58,7 @@ class FloatingButton : public kit::Button {
     std::string className() const override { return "FloatingButton"; }
 
   private:
-    void setUp();
+    void setUpFloatingButton();
     void openMenu();
     void closeMenu();
 

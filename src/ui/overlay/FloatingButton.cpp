@@ -16,6 +16,7 @@ std::shared_ptr<FloatingButton> FloatingButton::create(kit::Rect frame) {
     auto button = std::make_shared<FloatingButton>(frame);
     // The action and the gesture refer back to the button weakly: set up once it is owned.
     button->setUp();
+    button->setUpFloatingButton();
     return button;
 }
 
@@ -28,7 +29,7 @@ double FloatingButton::sheetHeight(kit::Size window) {
     return std::max(portraitSheetFraction * window.height, minimumPortraitSheetHeight);
 }
 
-void FloatingButton::setUp() {
+void FloatingButton::setUpFloatingButton() {
     setBackgroundColor(kit::Color::systemBlue());
     layer().setCornerRadius(0.5 * frame().width());
     setClipsToBounds(true);
