@@ -58,7 +58,14 @@ void PopupTabReport::setupLayout() {
     contentStack_->setTranslatesAutoresizingMaskIntoConstraints(false);
     addSubview(contentStack_);
 
+    // The holder is the stack's last view, so its safe-area pin and the stack's bottom pin cannot
+    // both hold. Activated first, the holder's pin is the one kept: the button stays clear of the
+    // home indicator instead of hanging off the bottom of the sheet.
     kit::LayoutConstraint::activate({
+        buttonHolder_->leadingAnchor().constraintEqualTo(leadingAnchor()),
+        buttonHolder_->trailingAnchor().constraintEqualTo(trailingAnchor()),
+        buttonHolder_->bottomAnchor().constraintEqualTo(safeAreaLayoutGuide().bottomAnchor(), -spacing),
+        buttonHolder_->heightAnchor().constraintEqualToConstant(holderHeight),
         titleLabel_->topAnchor().constraintEqualTo(topAnchor()),
         titleLabel_->leadingAnchor().constraintEqualTo(leadingAnchor()),
         titleLabel_->trailingAnchor().constraintEqualTo(trailingAnchor()),
@@ -71,10 +78,6 @@ void PopupTabReport::setupLayout() {
         contentStack_->leadingAnchor().constraintEqualTo(leadingAnchor()),
         contentStack_->trailingAnchor().constraintEqualTo(trailingAnchor()),
         contentStack_->bottomAnchor().constraintEqualTo(bottomAnchor()),
-        buttonHolder_->leadingAnchor().constraintEqualTo(leadingAnchor()),
-        buttonHolder_->trailingAnchor().constraintEqualTo(trailingAnchor()),
-        buttonHolder_->bottomAnchor().constraintEqualTo(safeAreaLayoutGuide().bottomAnchor(), -spacing),
-        buttonHolder_->heightAnchor().constraintEqualToConstant(holderHeight),
     });
 
     // Kept without constraints: it has no size and never shows.

@@ -36,6 +36,8 @@ TEST_F(PopupTabReportTest, TheButtonOverhangsItsHolderAndTheSecondDividerNeverSh
     const auto holder = tab->buttonHolder()->convertTo(tab->buttonHolder()->bounds(), tab.get());
     const auto button = tab->reportButton()->convertTo(tab->reportButton()->bounds(), tab.get());
     EXPECT_EQ(holder.height(), 20);
+    // 16 above the safe area, which the window's 34-point home-indicator inset sets 34 above the end.
+    EXPECT_NEAR(holder.maxY(), 400 - 34 - 16, 1e-9);
     EXPECT_EQ(holder.width(), 310);
     EXPECT_EQ(button.size, (kit::Size{160, 44}));
     EXPECT_NEAR(button.y(), holder.y() - 12, 1e-9);
