@@ -10,8 +10,11 @@
 #include "ovix/OvixEvents.h"
 #include "ovix/OvixSdkListener.h"
 #include "ovix/Value.h"
+#include "ovix/kit/Geometry.h"
 
 namespace ovix {
+
+class WarningButton;
 
 /// The one object a game talks to.
 ///
@@ -82,8 +85,23 @@ class OvixCore {
     /// calling thread. Used by the SDK's own components; a game may raise its reserved events too.
     void raise(std::string_view event, const Value& data = Value()) const;
 
+    // --- Warning button ---
+    /// Puts the warning button on the key window (the connected scenes' windows in order, first one
+    /// that is key; nothing when none is) with its frame at `origin`, 40 x 40, in the normal look.
+    /// When one is already shown it is not added again: its frame moves to `origin` keeping its
+    /// current size, then it returns to the normal look without animation (shrinking about the new
+    /// centre if it was full). Main thread only.
+    void showWarningButton(kit::Point origin);
+    /// Removes the shown warning button from its superview and forgets it; a later show makes a new one.
+    void hideWarningButton();
+    /// The warning button while shown; null otherwise.
+    std::shared_ptr<WarningButton> warningButton() const { return warningButton_; }
+
   private:
     OvixCore();
+
+    // Owned while shown; main thread only.
+    std::shared_ptr<WarningButton> warningButton_;
 };
 
 }  // namespace ovix

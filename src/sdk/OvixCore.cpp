@@ -8,6 +8,9 @@
 #include "core/Endpoints.h"
 #include "core/EventSlot.h"
 #include "core/SessionManager.h"
+#include "ovix/WarningButton.h"
+#include "ovix/kit/Application.h"
+#include "ovix/kit/Window.h"
 #include "ovix/platform/Platform.h"
 #include "purchases/IAPManager.h"
 #include "purchases/PurchaseAlert.h"
@@ -109,6 +112,32 @@ std::string OvixCore::getTokenApp() const {
 
 void OvixCore::requestNotificationPermission(std::function<void(bool)> callback) {
     NotificationPermission::request(std::move(callback));
+}
+
+// --- Warning button ---
+
+void OvixCore::showWarningButton(kit::Point origin) {
+    auto window = kit::Application::keyWindow();
+    if (!window) {
+        return;
+    }
+    if (warningButton_) {
+        warningButton_->updatePosition(origin);
+        warningButton_->updateState(WarningButtonState::normal, false);
+        return;
+    }
+    auto button =
+        WarningButton::create(kit::Image::named("ic_sdk_warning"), kit::Image::named("ic_sdk_warning_full"),
+                              {40, 40}, {150, 60}, origin);
+    window->addSubview(button);
+    warningButton_ = std::move(button);
+}
+
+void OvixCore::hideWarningButton() {
+    if (warningButton_) {
+        warningButton_->removeFromSuperview();
+    }
+    warningButton_.reset();
 }
 
 }  // namespace ovix
