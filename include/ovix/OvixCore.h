@@ -13,9 +13,12 @@
 #include "ovix/OvixEvents.h"
 #include "ovix/OvixSdkListener.h"
 #include "ovix/Value.h"
+#include "ovix/kit/Geometry.h"
 #include "ovix/platform/ImageCodec.h"
 
 namespace ovix {
+
+class WarningButton;
 
 /// The one object a game talks to.
 ///
@@ -112,11 +115,26 @@ class OvixCore {
     void uploadImage(const platform::RgbaImage& picture,
                      std::function<void(std::optional<Dictionary>)> completion);
 
+    // --- Warning button ---
+    /// Puts the warning button on the key window (the connected scenes' windows in order, first one
+    /// that is key; nothing when none is) with its frame at `origin`, 40 x 40, in the normal look.
+    /// When one is already shown it is not added again: its frame moves to `origin` keeping its
+    /// current size, then it returns to the normal look without animation (shrinking about the new
+    /// centre if it was full). Main thread only.
+    void showWarningButton(kit::Point origin);
+    /// Removes the shown warning button from its superview and forgets it; a later show makes a new one.
+    void hideWarningButton();
+    /// The warning button while shown; null otherwise.
+    std::shared_ptr<WarningButton> warningButton() const { return warningButton_; }
+
   private:
     OvixCore();
 
     // Floating button state (main thread only).
     std::shared_ptr<FloatingButton> floatingButton_;
+
+    // Owned while shown; main thread only.
+    std::shared_ptr<WarningButton> warningButton_;
 };
 
 }  // namespace ovix

@@ -8,6 +8,7 @@
 #include "core/Endpoints.h"
 #include "core/EventSlot.h"
 #include "core/SessionManager.h"
+#include "ovix/WarningButton.h"
 #include "ovix/kit/Application.h"
 #include "ovix/kit/Window.h"
 #include "ovix/platform/Platform.h"
@@ -154,6 +155,32 @@ void OvixCore::getAllNews(std::function<void(std::optional<std::vector<NewsItem>
 void OvixCore::uploadImage(const platform::RgbaImage& picture,
                            std::function<void(std::optional<Dictionary>)> completion) {
     APIService::uploadImage(picture, std::move(completion));
+}
+
+// --- Warning button ---
+
+void OvixCore::showWarningButton(kit::Point origin) {
+    auto window = kit::Application::keyWindow();
+    if (!window) {
+        return;
+    }
+    if (warningButton_) {
+        warningButton_->updatePosition(origin);
+        warningButton_->updateState(WarningButtonState::normal, false);
+        return;
+    }
+    auto button =
+        WarningButton::create(kit::Image::named("ic_sdk_warning"), kit::Image::named("ic_sdk_warning_full"),
+                              {40, 40}, {150, 60}, origin);
+    window->addSubview(button);
+    warningButton_ = std::move(button);
+}
+
+void OvixCore::hideWarningButton() {
+    if (warningButton_) {
+        warningButton_->removeFromSuperview();
+    }
+    warningButton_.reset();
 }
 
 }  // namespace ovix

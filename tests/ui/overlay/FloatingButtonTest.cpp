@@ -5,13 +5,13 @@
 #include "core/SessionManager.h"
 #include "ovix/FloatingButton.h"
 #include "ovix/OvixEvents.h"
-#include "ui/overlay/OverlayTestSupport.h"
+#include "ui/overlay/PanelTestSupport.h"
 #include "ui/overlay/SidebarPopup.h"
 
 namespace ovix::test {
 namespace {
 
-class FloatingButtonTest : public OverlayTest {
+class FloatingButtonTest : public PanelTest {
   protected:
     std::shared_ptr<FloatingButton> addButton(kit::Rect frame = {100, 200, 60, 60}) {
         auto button = FloatingButton::create(frame);

@@ -2,96 +2,60 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <memory>
-#include <mutex>
 #include <string>
-#include <vector>
+#include <thread>
 
-#include "core/EventSlot.h"
 #include "ovix/kit/Window.h"
-#include "ovix/platform/HttpClient.h"
+#include "ovix/testing/FixedTimeZone.h"
 #include "ovix/testing/HeadlessPlatform.h"
-#include "support/RecordingListener.h"
-#include "ui/overlay/SidebarPopup.h"
+#include "platform/curl/CurlHttpClient.h"
+#include "support/LoopbackServer.h"
 
 namespace ovix::test {
 
-/// An HTTP client that keeps every request and answers only when the test says so, from the test's
-/// thread (so never inside `send`, as the contract requires).
-class HeldHttpClient : public platform::HttpClient {
-  public:
-    void send(platform::HttpRequest request, Completion completion) override {
-        std::lock_guard lock(mutex_);
-        pending_.push_back({std::move(request), std::move(completion)});
-    }
-    std::size_t sentCount() const {
-        std::lock_guard lock(mutex_);
-        return pending_.size() + answered_;
-    }
-    std::string lastUrl() const {
-        std::lock_guard lock(mutex_);
-        return pending_.empty() ? std::string() : pending_.back().request.url;
-    }
-    /// Answers the oldest request still waiting; false when none is.
-    bool answer(long status, std::string body) {
-        Completion completion;
-        {
-            std::lock_guard lock(mutex_);
-            if (pending_.empty()) {
-                return false;
-            }
-            completion = std::move(pending_.front().completion);
-            pending_.erase(pending_.begin());
-            ++answered_;
-        }
-        completion(platform::HttpResult{platform::HttpResponse{status, {}, std::move(body)}, std::nullopt});
-        return true;
-    }
-
-  private:
-    struct Pending {
-        platform::HttpRequest request;
-        Completion completion;
-    };
-    mutable std::mutex mutex_;
-    std::vector<Pending> pending_;
-    std::size_t answered_ = 0;
-};
-
-/// A headless platform whose SDK bundle is the repository's own resources, with an HTTP client that
-/// answers on request and a recording listener (not registered until a test registers it). The
-/// panel's remembered tab starts at 0 in every test.
+/// A headless platform whose application has one key window covering a screen of the chosen size
+/// (390 x 844 unless told), the SDK's real resource bundle, a time zone seven hours east of UTC, and
+/// both backends on the process's loopback server, reached with the real HTTP client.
 class OverlayTest : public ::testing::Test {
   protected:
-    OverlayTest() { start(); }
-    ~OverlayTest() override {
-        EventSlot::shared().setListener(nullptr);
-        SidebarPopup::selectedIndex = 0;
+    static constexpr const char* feedPath = "/game/online/api/v2.0/client/all-news";
+
+    OverlayTest() {
+        server.reset();
+        install({390, 844});
     }
 
-    /// (Re)installs the platform with a screen of `portrait` size (turned when `landscape`).
-    void start(kit::Size portrait = {390, 844}, bool landscape = false, int windows = 1) {
+    /// A fresh platform (and application) with a `screen`-sized main screen, installed.
+    void install(kit::Size screen, int windowCount = 1) {
         testing::HeadlessPlatform::Options options;
-        options.codeResources = OVIX_SOURCE_RESOURCES;
-        options.application.screenSize = portrait;
-        options.application.windowCount = windows;
-        options.application.openableSchemes = {"http", "https"};
+        options.codeResources = OVIX_RESOURCES_DIR;
+        options.environment = platform::Environment::emulator(server.baseUrl());
+        options.application.screenSize = screen;
+        options.application.windowCount = windowCount;
         h = testing::HeadlessPlatform::create(options);
-        http = std::make_shared<HeldHttpClient>();
-        h.platform->http = http;
+        h.platform->http = std::make_shared<platform::CurlHttpClient>();
+        h.platform->timeZone = std::make_shared<testing::FixedTimeZone>(7 * 3600);
         h.install();
-        if (landscape) {
-            h.application->rotate(kit::DeviceOrientation::landscapeLeft);
-        }
-        SidebarPopup::selectedIndex = 0;
     }
 
     std::shared_ptr<kit::Window> window() const { return h.application->windows().front(); }
-    double now() const { return h.mainQueue->now(); }
 
+    /// Waits (real time, bounded) until the transport has posted work to the main queue, without
+    /// running it.
+    bool waitForPostedWork() const {
+        for (int i = 0; i < 500; ++i) {
+            if (h.mainQueue->pendingCount() > 0) {
+                return true;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return false;
+    }
+
+    LoopbackServer& server = LoopbackServer::shared();
     testing::HeadlessPlatform h;
-    std::shared_ptr<HeldHttpClient> http;
-    std::shared_ptr<RecordingListener> listener = std::make_shared<RecordingListener>();
 };
 
 }  // namespace ovix::test

@@ -5,12 +5,12 @@
 #include "core/SessionManager.h"
 #include "ovix/OvixCore.h"
 #include "ovix/kit/WindowScene.h"
-#include "ui/overlay/OverlayTestSupport.h"
+#include "ui/overlay/PanelTestSupport.h"
 
 namespace ovix::test {
 namespace {
 
-class OvixCoreOverlayTest : public OverlayTest {
+class OvixCoreOverlayTest : public PanelTest {
   protected:
     ~OvixCoreOverlayTest() override { core.hideFloatingButton(); }
 

@@ -2,14 +2,14 @@
 
 #include <cmath>
 
-#include "ui/overlay/OverlayTestSupport.h"
+#include "ui/overlay/PanelTestSupport.h"
 #include "ui/overlay/PopupTabHome.h"
 #include "ui/overlay/TabCell.h"
 
 namespace ovix::test {
 namespace {
 
-class PopupTabHomeTest : public OverlayTest {
+class PopupTabHomeTest : public PanelTest {
   protected:
     /// A home tab `width` wide on the window, laid out.
     std::shared_ptr<PopupTabHome> laidOut(double width, double height = 400) {

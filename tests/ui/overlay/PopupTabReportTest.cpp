@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
-#include "ui/overlay/OverlayTestSupport.h"
+#include "ui/overlay/PanelTestSupport.h"
 #include "ui/overlay/PopupTabReport.h"
 
 namespace ovix::test {
 namespace {
 
-class PopupTabReportTest : public OverlayTest {
+class PopupTabReportTest : public PanelTest {
   protected:
     /// The report tab as the panel shows it in portrait: the content area of a 390 x 400 sheet at
     /// the bottom of the window (so the window's 34-point bottom safe area reaches into it).

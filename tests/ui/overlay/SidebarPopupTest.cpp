@@ -2,7 +2,7 @@
 
 #include "core/SessionManager.h"
 #include "ovix/FloatingButton.h"
-#include "ui/overlay/OverlayTestSupport.h"
+#include "ui/overlay/PanelTestSupport.h"
 #include "ui/overlay/PopupTabHome.h"
 #include "ui/overlay/PopupTabReport.h"
 #include "ui/overlay/SidebarPopup.h"
@@ -11,7 +11,7 @@
 namespace ovix::test {
 namespace {
 
-class SidebarPopupTest : public OverlayTest {
+class SidebarPopupTest : public PanelTest {
   protected:
     /// A panel the way the floating button shows it: in a 390 x 400 sheet on the window.
     std::shared_ptr<SidebarPopup> openPanel() {
