@@ -4,7 +4,6 @@
 #include "platform/jpeg/JpegImageCodec.h"
 #include "platform/openssl/OpenSslCrypto.h"
 #include "platform/unsupported/UnsupportedHttpClient.h"
-#include "platform/unsupported/UnsupportedImagePicker.h"
 #include "platform/unsupported/UnsupportedNotificationCenter.h"
 
 namespace ovix::testing {
@@ -21,6 +20,7 @@ HeadlessPlatform HeadlessPlatform::create(Options options) {
     h.application = HeadlessApplication::create(options.application);
     h.sandboxStore = std::make_shared<platform::SandboxStore>();
     h.webEngine = std::make_shared<ScriptedWebEngine>();
+    h.imagePicker = std::make_shared<ScriptedImagePicker>(h.mainQueue);
 
     h.platform = std::make_shared<platform::Platform>();
     auto& p = *h.platform;
@@ -34,7 +34,7 @@ HeadlessPlatform HeadlessPlatform::create(Options options) {
     p.pushClient = h.pushClient;
     p.store = h.sandboxStore;
     p.deviceFacts = h.deviceFacts;
-    p.imagePicker = std::make_shared<platform::UnsupportedImagePicker>();
+    p.imagePicker = h.imagePicker;
     p.imageCodec = std::make_shared<platform::JpegImageCodec>();
     p.application = h.application;
     p.webEngine = h.webEngine;

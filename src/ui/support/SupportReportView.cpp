@@ -177,6 +177,9 @@ void SupportReportView::setUpAttachments() {
     attachScroll_->heightAnchor().constraintEqualToConstant(attachStripHeight)->setActive(true);
     attachImages_->setAxis(kit::LayoutAxis::horizontal);
     attachImages_->setSpacing(attachSpacing);
+    // The strip is taller than its 100-point thumbnails: they sit at its top rather than being
+    // stretched against their own height.
+    attachImages_->setAlignment(kit::StackViewAlignment::leading);
     attachImages_->setTranslatesAutoresizingMaskIntoConstraints(false);
     attachScroll_->addSubview(attachImages_);
     auto& strip = attachScroll_->contentLayoutGuide();
