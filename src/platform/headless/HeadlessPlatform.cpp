@@ -3,6 +3,7 @@
 #include "ovix/testing/FixedTimeZone.h"
 #include "platform/jpeg/JpegImageCodec.h"
 #include "platform/openssl/OpenSslCrypto.h"
+#include "platform/png/PngImageCodec.h"
 #include "platform/unsupported/UnsupportedHttpClient.h"
 #include "platform/unsupported/UnsupportedNotificationCenter.h"
 
@@ -35,7 +36,7 @@ HeadlessPlatform HeadlessPlatform::create(Options options) {
     p.store = h.sandboxStore;
     p.deviceFacts = h.deviceFacts;
     p.imagePicker = h.imagePicker;
-    p.imageCodec = std::make_shared<platform::JpegImageCodec>();
+    p.imageCodec = std::make_shared<platform::PngImageCodec>(std::make_shared<platform::JpegImageCodec>());
     p.application = h.application;
     p.webEngine = h.webEngine;
     p.crypto = std::make_shared<platform::OpenSslCrypto>();
