@@ -11,9 +11,12 @@
 #include "ovix/kit/StackView.h"
 #include "ovix/kit/Window.h"
 #include "ovix/platform/Platform.h"
+#include "ui/overlay/AccountPopup.h"
+#include "ui/overlay/PopupTabEvents.h"
 #include "ui/overlay/PopupTabHome.h"
 #include "ui/overlay/PopupTabReport.h"
 #include "ui/overlay/UILabelContent.h"
+#include "ui/support/SupportReportVC.h"
 
 namespace ovix {
 
@@ -181,6 +184,8 @@ std::shared_ptr<kit::View> SidebarPopup::makeContent(std::int64_t index) {
             home->onSelectAccount = accountAction();
             return home;
         }
+        case 1:
+            return PopupTabEvents::create();
         case 2: {
             auto report = PopupTabReport::create();
             report->onReport = reportAction();
@@ -206,8 +211,18 @@ std::function<void()> SidebarPopup::accountAction() {
                 if (windows.empty()) {
                     return;
                 }
-                // The account popup is wired here once it lands.
-                (void)windows;
+                const auto& window = windows.front();
+                auto account = AccountPopup::create(window->bounds());
+                std::weak_ptr<AccountPopup> weakAccount = account;
+                account->onClose = [weakAccount] {
+                    if (auto shown = weakAccount.lock()) {
+                        shown->removeFromSuperview();
+                    }
+                };
+                account->updateInfo(*info);
+                account->setAlpha(0);
+                window->addSubview(account);
+                kit::View::animate(accountFadeDuration, [account] { account->setAlpha(1); });
             });
         });
     };
@@ -227,6 +242,10 @@ std::function<void()> SidebarPopup::reportAction() {
         if (!root) {
             return;
         }
+        auto form = SupportReportVC::create();
+        form->setModalPresentationStyle(kit::ModalPresentationStyle::overFullScreen);
+        form->setModalTransitionStyle(kit::ModalTransitionStyle::crossDissolve);
+        root->present(form, true);
     };
 }
 

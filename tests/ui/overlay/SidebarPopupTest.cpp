@@ -2,11 +2,15 @@
 
 #include "core/SessionManager.h"
 #include "ovix/FloatingButton.h"
+#include "ovix/kit/ViewController.h"
+#include "ui/overlay/AccountPopup.h"
 #include "ui/overlay/PanelTestSupport.h"
+#include "ui/overlay/PopupTabEvents.h"
 #include "ui/overlay/PopupTabHome.h"
 #include "ui/overlay/PopupTabReport.h"
 #include "ui/overlay/SidebarPopup.h"
 #include "ui/overlay/UILabelContent.h"
+#include "ui/support/SupportReportVC.h"
 
 namespace ovix::test {
 namespace {
@@ -82,8 +86,12 @@ TEST_F(SidebarPopupTest, SwitchingTabsBuildsEachTabAfresh) {
     auto isReport = [](const std::shared_ptr<kit::View>& v) {
         return !!std::dynamic_pointer_cast<PopupTabReport>(v);
     };
+    auto isEvents = [](const std::shared_ptr<kit::View>& v) {
+        return !!std::dynamic_pointer_cast<PopupTabEvents>(v);
+    };
     const Step steps[] = {
         {2, isReport, {gray, gray, blue}},
+        {1, isEvents, {gray, blue, gray}},
         {0, isHome, {blue, gray, gray}},
     };
     for (const auto& step : steps) {
@@ -112,6 +120,7 @@ TEST_F(SidebarPopupTest, ANewPanelOpensOnTheTabLastChosen) {
     first->removeFromSuperview();
 
     auto second = openPanel();
+    EXPECT_NE(std::dynamic_pointer_cast<PopupTabEvents>(shown(*second)), nullptr);
     EXPECT_EQ(tints(*second), (std::vector<kit::Color>{gray, blue, gray}));
     EXPECT_EQ(SidebarPopup::selectedIndex, 1);
 }
@@ -161,30 +170,96 @@ TEST_F(SidebarPopupTest, TheAccountTileWithoutATokenClosesThePanelAndShowsNothin
     EXPECT_EQ(window()->subviews().size(), before);
 }
 
-TEST_F(SidebarPopupTest, TheAccountTileAsksForTheUserInfoWithAStoredToken) {
-    h.store->setString(SessionManager::shared().tokenKey, "token-1");
-    auto panel = openPanel();
-    auto home = std::dynamic_pointer_cast<PopupTabHome>(shown(*panel));
-    ASSERT_NE(home, nullptr);
-    home->onSelectAccount();
-    EXPECT_EQ(closes, 1);
-    ASSERT_EQ(http->sentCount(), 1u);
-    EXPECT_NE(http->lastUrl().find("/auth-connect/api/v2.0/oauth2/auth/userinfo"), std::string::npos);
+TEST_F(SidebarPopupTest, TheAccountTileFadesTheAccountPopupInOverTheFirstWindow) {
+    struct Row {
+        const char* name;
+        long status;
+        bool popupShown;
+    };
+    const Row rows[] = {
+        {"profile received", 200, true},
+        {"request rejected", 401, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        start();
+        closes = 0;
+        h.store->setString(SessionManager::shared().tokenKey, "token-1");
+        auto panel = openPanel();
+        auto home = std::dynamic_pointer_cast<PopupTabHome>(shown(*panel));
+        ASSERT_NE(home, nullptr);
+        home->onSelectAccount();
+        EXPECT_EQ(closes, 1) << "closed before the answer";
+        ASSERT_EQ(http->sentCount(), 1u);
+        EXPECT_NE(http->lastUrl().find("/auth-connect/api/v2.0/oauth2/auth/userinfo"), std::string::npos);
 
-    // A rejected request shows nothing, even once the main queue ran.
-    const auto before = window()->subviews().size();
-    ASSERT_TRUE(http->answer(401, "{}"));
-    h.mainQueue->runUntilIdle();
-    EXPECT_EQ(window()->subviews().size(), before);
+        const auto before = window()->subviews().size();
+        ASSERT_TRUE(http->answer(row.status, R"({"Data":{"Username":"player-1"}})"));
+        EXPECT_EQ(window()->subviews().size(), before) << "views are touched on the main queue only";
+        h.mainQueue->runUntilIdle();
+        if (!row.popupShown) {
+            EXPECT_EQ(window()->subviews().size(), before);
+            continue;
+        }
+        ASSERT_EQ(window()->subviews().size(), before + 1);
+        auto account = std::dynamic_pointer_cast<AccountPopup>(window()->subviews().back());
+        ASSERT_NE(account, nullptr);
+        EXPECT_EQ(account->frame(), window()->bounds());
+        EXPECT_EQ(account->alpha(), 1);
+        const double begin = now();
+        EXPECT_DOUBLE_EQ(account->presentation(begin).alpha, 0);
+        EXPECT_GT(account->presentation(begin + 0.125).alpha, 0);
+        EXPECT_LT(account->presentation(begin + 0.125).alpha, 1);
+        h.mainQueue->advance(0.25);
+        EXPECT_DOUBLE_EQ(account->presentation(now()).alpha, 1);
+
+        account->onClose();
+        EXPECT_EQ(account->superview(), nullptr) << "its close action removes it";
+    }
 }
 
-TEST_F(SidebarPopupTest, TheReportButtonClosesThePanelFirst) {
-    auto panel = openPanel();
-    panel->menuButtons()[2]->sendActions(kit::ControlEvent::touchUpInside);
-    auto report = std::dynamic_pointer_cast<PopupTabReport>(shown(*panel));
-    ASSERT_NE(report, nullptr);
-    report->reportButton()->sendActions(kit::ControlEvent::touchUpInside);
-    EXPECT_EQ(closes, 1);
+TEST_F(SidebarPopupTest, TheReportButtonPresentsTheSupportFormOverTheFirstWindowsRoot) {
+    struct Row {
+        const char* name;
+        bool withRoot;
+        bool panelGone;
+        int closes;
+    };
+    const Row rows[] = {
+        {"root controller", true, false, 1},
+        {"panel already gone: no close, still presented", true, true, 0},
+        {"no root controller: only closed", false, false, 1},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        start();
+        closes = 0;
+        std::shared_ptr<kit::ViewController> root;
+        if (row.withRoot) {
+            root = kit::ViewController::create();
+            window()->setRootViewController(root);
+        }
+        auto panel = openPanel();
+        panel->menuButtons()[2]->sendActions(kit::ControlEvent::touchUpInside);
+        auto report = std::dynamic_pointer_cast<PopupTabReport>(shown(*panel));
+        ASSERT_NE(report, nullptr);
+        auto action = report->onReport;
+        ASSERT_TRUE(action);
+        if (row.panelGone) {
+            panel->removeFromSuperview();
+            report.reset();
+            panel.reset();
+        }
+        action();
+        EXPECT_EQ(closes, row.closes);
+        if (!root) {
+            continue;
+        }
+        auto form = std::dynamic_pointer_cast<SupportReportVC>(root->presentedViewController());
+        ASSERT_NE(form, nullptr);
+        EXPECT_EQ(form->modalPresentationStyle(), kit::ModalPresentationStyle::overFullScreen);
+        EXPECT_EQ(form->modalTransitionStyle(), kit::ModalTransitionStyle::crossDissolve);
+    }
 }
 
 }  // namespace
