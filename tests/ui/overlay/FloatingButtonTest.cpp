@@ -194,15 +194,5 @@ TEST_F(FloatingButtonTest, WithoutAKeyWindowATapDoesNothing) {
     EXPECT_EQ(loose->subviews().size(), 1u);
 }
 
-TEST_F(FloatingButtonTest, TheButtonIsABlueCircleWithTheSdkIcon) {
-    auto button = addButton({100, 200, 56, 56});
-    EXPECT_EQ(button->backgroundColor(), kit::Color::systemBlue());
-    EXPECT_DOUBLE_EQ(button->layer().cornerRadius(), 28);
-    EXPECT_TRUE(button->clipsToBounds());
-    ASSERT_NE(button->currentImage(), nullptr);
-    EXPECT_EQ(button->currentImage()->name(), "ic_sdk_float");
-    EXPECT_EQ(button->actionCount(kit::ControlEvent::touchUpInside), 1u);
-}
-
 }  // namespace
 }  // namespace ovix::test

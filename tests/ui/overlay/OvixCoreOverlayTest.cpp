@@ -123,20 +123,5 @@ TEST_F(OvixCoreOverlayTest, GetAllNewsReadsTheFeedIntoItemsOrNil) {
     }
 }
 
-TEST_F(OvixCoreOverlayTest, UploadImageHandsBackTheWholeAnswer) {
-    platform::RgbaImage picture;
-    picture.width = 2;
-    picture.height = 2;
-    picture.pixels.assign(16, 0x80);
-    std::optional<std::optional<Dictionary>> got;
-    core.uploadImage(picture, [&](std::optional<Dictionary> answer) { got = std::move(answer); });
-    ASSERT_EQ(http->sentCount(), 1u);
-    EXPECT_NE(http->lastUrl().find("/inside/image/api/v2.0/upload"), std::string::npos);
-    ASSERT_TRUE(http->answer(200, R"({"Data":{"ImageUrl":"https://img/1.jpg"}})"));
-    ASSERT_TRUE(got.has_value() && got->has_value());
-    const Value* data = &(**got).at("Data");
-    EXPECT_EQ(data->stringAt("ImageUrl"), std::optional<std::string>("https://img/1.jpg"));
-}
-
 }  // namespace
 }  // namespace ovix::test

@@ -17,7 +17,6 @@ namespace {
 
 using Surface = std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)>;
 
-/// One pixel, unpremultiplied enough for the checks here (opaque or fully clear).
 struct Pixel {
     int r, g, b, a;
 };

@@ -47,47 +47,38 @@ TEST_F(PopupTabHomeTest, TileSizeFollowsTheColumnRule) {
 TEST_F(PopupTabHomeTest, TheGridPlacesTheTilesItsWidthAllows) {
     struct Row {
         double tabWidth;  // the grid is 16 narrower
-        std::vector<kit::Point> origins;
+        std::vector<double> xs;
+        std::vector<double> ys;
         double tileWidth;
     };
     const Row rows[] = {
-        {416, {{8, 8}, {204, 8}, {8, 106}, {204, 106}}, 188},
-        {557, {{8, 8}, {141.25, 8}, {274.5, 8}, {407.75, 8}}, 125.25},
+        {416, {8, 204, 8, 204}, {8, 8, 106, 106}, 188},
+        {557, {8, 141.25, 274.5, 407.75}, {8, 8, 8, 8}, 125.25},
     };
+    const char* icons[] = {"user", "facebook", "ic_sdk_float", "messenger"};
+    const char* titles[] = {"Tài khoản", "Facebook", "Group", "Chat Admin"};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.tabWidth);
         auto home = laidOut(row.tabWidth);
         EXPECT_EQ(home->collectionView()->frame(), (kit::Rect{8, 69, row.tabWidth - 16, 400 - 77}));
-        for (int i = 0; i < 4; ++i) {
-            SCOPED_TRACE(i);
-            auto tile = cell(*home, i);
+        ASSERT_EQ(home->collectionView()->numberOfItems(0), 4);
+        for (std::size_t i = 0; i < 4; ++i) {
+            SCOPED_TRACE(titles[i]);
+            auto tile = cell(*home, static_cast<int>(i));
             ASSERT_NE(tile, nullptr);
-            EXPECT_NEAR(tile->frame().x(), row.origins[static_cast<std::size_t>(i)].x, 1e-9);
-            EXPECT_NEAR(tile->frame().y(), row.origins[static_cast<std::size_t>(i)].y, 1e-9);
+            EXPECT_NEAR(tile->frame().x(), row.xs[i], 1e-9);
+            EXPECT_EQ(tile->frame().y(), row.ys[i]);
             EXPECT_NEAR(tile->frame().width(), row.tileWidth, 1e-9);
             EXPECT_EQ(tile->frame().height(), 90);
+            EXPECT_EQ(tile->iconImageView()->image()->name(), icons[i]);
+            EXPECT_EQ(tile->titleLabel()->text(), titles[i]);
+            // Icon 30 x 30 at 8 from the left and title 6 after it, both centred on the tile.
+            EXPECT_EQ(tile->iconImageView()->frame(), (kit::Rect{8, 30, 30, 30}));
+            EXPECT_NEAR(tile->titleLabel()->frame().x(), 44, 1e-9);
+            EXPECT_NEAR(tile->titleLabel()->frame().maxX(), row.tileWidth - 8, 1e-9);
+            EXPECT_NEAR(tile->titleLabel()->frame().midY(), 45, 1e-9);
         }
         home->removeFromSuperview();
-    }
-}
-
-TEST_F(PopupTabHomeTest, TilesShowTheirIconAndTitle) {
-    auto home = laidOut(416);
-    const char* icons[] = {"user", "facebook", "ic_sdk_float", "messenger"};
-    const char* titles[] = {"Tài khoản", "Facebook", "Group", "Chat Admin"};
-    ASSERT_EQ(home->collectionView()->numberOfItems(0), 4);
-    for (int i = 0; i < 4; ++i) {
-        SCOPED_TRACE(titles[i]);
-        auto tile = cell(*home, i);
-        ASSERT_NE(tile, nullptr);
-        ASSERT_NE(tile->iconImageView()->image(), nullptr);
-        EXPECT_EQ(tile->iconImageView()->image()->name(), icons[i]);
-        EXPECT_EQ(tile->titleLabel()->text(), titles[i]);
-        // Icon 30 x 30 at 8 from the left, title 6 after it, both centred on the 90-high tile.
-        EXPECT_EQ(tile->iconImageView()->frame(), (kit::Rect{8, 30, 30, 30}));
-        EXPECT_NEAR(tile->titleLabel()->frame().x(), 44, 1e-9);
-        EXPECT_NEAR(tile->titleLabel()->frame().maxX(), 188 - 8, 1e-9);
-        EXPECT_NEAR(tile->titleLabel()->frame().midY(), 45, 1e-9);
     }
 }
 
