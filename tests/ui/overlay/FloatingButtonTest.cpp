@@ -4,7 +4,6 @@
 
 #include "core/SessionManager.h"
 #include "ovix/FloatingButton.h"
-#include "ovix/OvixEvents.h"
 #include "ui/overlay/PanelTestSupport.h"
 #include "ui/overlay/SidebarPopup.h"
 
@@ -145,42 +144,39 @@ TEST_F(FloatingButtonTest, ASecondTapDuringTheSlideDownOpensANewSheet) {
     EXPECT_EQ(second->presentation(now()).frame().y(), 444);
 }
 
-TEST_F(FloatingButtonTest, ThePanelsCloseButtonSlidesTheSheetAway) {
-    auto button = addButton();
-    button->sendActions(kit::ControlEvent::touchUpInside);
-    h.mainQueue->advance(0.3);
-    auto sheet = button->popupView();
-    auto panel = std::dynamic_pointer_cast<SidebarPopup>(sheet->subviews().at(0));
-    ASSERT_NE(panel, nullptr);
-    panel->closeButton()->sendActions(kit::ControlEvent::touchUpInside);
-    EXPECT_EQ(button->popupView(), nullptr);
-    h.mainQueue->advance(0.3);
-    EXPECT_FALSE(inWindow(sheet));
-}
-
-TEST_F(FloatingButtonTest, LogoutClearsTheSessionTellsTheListenerIfAnyAndClosesTheSheet) {
-    for (bool withListener : {true, false}) {
-        SCOPED_TRACE(withListener ? "with a listener" : "without a listener");
+TEST_F(FloatingButtonTest, ThePanelsCloseAndLogoutSlideTheSheetAway) {
+    struct Row {
+        const char* name;
+        bool logout;
+        bool listener;
+    };
+    for (const Row& row :
+         {Row{"panel's close button", false, true}, Row{"logout with a listener", true, true},
+          Row{"logout without a listener", true, false}}) {
+        SCOPED_TRACE(row.name);
         start();
         auto recorder = std::make_shared<RecordingListener>();
-        EventSlot::shared().setListener(withListener ? recorder : nullptr);
+        EventSlot::shared().setListener(row.listener ? recorder : nullptr);
         h.store->setString(SessionManager::shared().tokenKey, "token-1");
-        h.store->setString(SessionManager::shared().statusKey, "login");
         auto button = addButton();
         button->sendActions(kit::ControlEvent::touchUpInside);
         h.mainQueue->advance(0.3);
         auto sheet = button->popupView();
-
-        button->logoutTapped();
-        EXPECT_EQ(SessionManager::readString(SessionManager::shared().tokenKey), "");
-        EXPECT_EQ(SessionManager::readString(SessionManager::shared().statusKey), "logout");
+        if (row.logout) {
+            button->logoutTapped();
+        } else {
+            std::dynamic_pointer_cast<SidebarPopup>(sheet->subviews().at(0))
+                ->closeButton()
+                ->sendActions(kit::ControlEvent::touchUpInside);
+        }
         EXPECT_EQ(button->popupView(), nullptr);
         h.mainQueue->advance(0.3);
         EXPECT_FALSE(inWindow(sheet));
-        if (withListener) {
-            ASSERT_EQ(recorder->names(), std::vector<std::string>{std::string(OvixEvents::LOGOUT_SUCCESS)});
-            EXPECT_TRUE(recorder->received()[0].data.isNull());
-        }
+        EXPECT_EQ(SessionManager::readString(SessionManager::shared().tokenKey), row.logout ? "" : "token-1");
+        EXPECT_EQ(SessionManager::readString(SessionManager::shared().statusKey), row.logout ? "logout" : "");
+        const auto expected = row.logout && row.listener ? std::vector<std::string>{"OvixLogoutSuccess"}
+                                                         : std::vector<std::string>{};
+        EXPECT_EQ(recorder->names(), expected);
     }
 }
 
