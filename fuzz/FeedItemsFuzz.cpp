@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "api/NewsItem.h"
+#include "ovix/NewsItem.h"
 #include "ovix/Value.h"
 #include "platform/posix/PosixTimeZone.h"
 

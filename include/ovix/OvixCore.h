@@ -6,12 +6,19 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "ovix/FloatingButton.h"
+#include "ovix/NewsItem.h"
 #include "ovix/OvixEvents.h"
 #include "ovix/OvixSdkListener.h"
 #include "ovix/Value.h"
+#include "ovix/kit/Geometry.h"
+#include "ovix/platform/ImageCodec.h"
 
 namespace ovix {
+
+class WarningButton;
 
 /// The one object a game talks to.
 ///
@@ -82,8 +89,52 @@ class OvixCore {
     /// calling thread. Used by the SDK's own components; a game may raise its reserved events too.
     void raise(std::string_view event, const Value& data = Value()) const;
 
+    // --- Floating button and the overlay's requests ---
+
+    /// Puts a `size` x `size` floating button at (100, 200) on the key window (the first key window
+    /// of the connected scenes, in scene then window order) and keeps it. Nothing when there is no
+    /// key window, or when a button is already shown (a second call, whatever its size, keeps the
+    /// first). Main thread.
+    void showFloatingButton(double size);
+    /// Removes the floating button from its superview and forgets it; nothing when none is shown. An
+    /// open menu sheet stays in the window until it is closed through its own close action.
+    /// Main thread.
+    void hideFloatingButton();
+    /// The floating button while shown; null otherwise.
+    std::shared_ptr<FloatingButton> floatingButton() const;
+
+    /// The news and events feed, in feed order, each element read with `NewsItem::fromDictionary`;
+    /// nil for a failed request or a feed of another shape. The completion runs once on the HTTP
+    /// client's callback thread (never the main queue), or at once on the calling thread when the
+    /// feed's address cannot be built (nothing is sent then). Callable from any thread.
+    void getAllNews(std::function<void(std::optional<std::vector<NewsItem>>)> completion);
+    /// Uploads `picture` (JPEG, quality 0.8) as a support attachment; the completion gets the whole
+    /// response object (the address is "ImageUrl" inside "Data") or nil. It runs once, on the HTTP
+    /// client's callback thread, or at once on the calling thread when the picture cannot be encoded
+    /// (nothing is sent then). Callable from any thread.
+    void uploadImage(const platform::RgbaImage& picture,
+                     std::function<void(std::optional<Dictionary>)> completion);
+
+    // --- Warning button ---
+    /// Puts the warning button on the key window (the connected scenes' windows in order, first one
+    /// that is key; nothing when none is) with its frame at `origin`, 40 x 40, in the normal look.
+    /// When one is already shown it is not added again: its frame moves to `origin` keeping its
+    /// current size, then it returns to the normal look without animation (shrinking about the new
+    /// centre if it was full). Main thread only.
+    void showWarningButton(kit::Point origin);
+    /// Removes the shown warning button from its superview and forgets it; a later show makes a new one.
+    void hideWarningButton();
+    /// The warning button while shown; null otherwise.
+    std::shared_ptr<WarningButton> warningButton() const { return warningButton_; }
+
   private:
     OvixCore();
+
+    // Floating button state (main thread only).
+    std::shared_ptr<FloatingButton> floatingButton_;
+
+    // Owned while shown; main thread only.
+    std::shared_ptr<WarningButton> warningButton_;
 };
 
 }  // namespace ovix

@@ -1,4 +1,4 @@
-#include "api/NewsItem.h"
+#include "ovix/NewsItem.h"
 
 #include <cmath>
 #include <cstdio>

@@ -79,6 +79,12 @@ void StackView::subviewVisibilityDidChange(View& subview) {
     }
 }
 
+void StackView::willRemoveSubview(View& subview) {
+    if (std::erase_if(arranged_, [&](auto& v) { return v.get() == &subview; }) > 0) {
+        rebuild();
+    }
+}
+
 void StackView::rebuild() {
     LayoutConstraint::deactivate(generated_);
     generated_.clear();

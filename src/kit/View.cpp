@@ -254,6 +254,7 @@ void View::detachFromSuperview() {
             focused->resignFirstResponder();
         }
     }
+    parent->willRemoveSubview(*this);
     for (auto ancestor = parent; ancestor; ancestor = ancestor->superview()) {
         ancestor->deactivateConstraintsLeaving(*this);
     }

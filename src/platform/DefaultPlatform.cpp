@@ -5,6 +5,7 @@
 #include "platform/linux/LinuxDeviceFacts.h"
 #include "platform/linux/LinuxPushClient.h"
 #include "platform/openssl/OpenSslCrypto.h"
+#include "platform/png/PngImageCodec.h"
 #include "platform/posix/ExecutableResourceBundle.h"
 #include "platform/posix/PosixTimeZone.h"
 #include "platform/posix/StdoutConsole.h"
@@ -32,7 +33,7 @@ std::shared_ptr<Platform> makeDefault() {
     p->store = SandboxStore::createConfigured(p->resources->mainBundle(), *p->console);
     p->deviceFacts = std::make_shared<LinuxDeviceFacts>(std::make_shared<OpenSslCrypto>());
     p->imagePicker = std::make_shared<UnsupportedImagePicker>();
-    p->imageCodec = std::make_shared<JpegImageCodec>();
+    p->imageCodec = std::make_shared<PngImageCodec>(std::make_shared<JpegImageCodec>());
     p->application = std::make_shared<UnsupportedApplication>();
     // This platform has no windows to show pages in.
     p->webEngine = std::make_shared<UnsupportedWebEngine>();

@@ -8,6 +8,9 @@
 #include "core/Endpoints.h"
 #include "core/EventSlot.h"
 #include "core/SessionManager.h"
+#include "ovix/WarningButton.h"
+#include "ovix/kit/Application.h"
+#include "ovix/kit/Window.h"
 #include "ovix/platform/Platform.h"
 #include "purchases/IAPManager.h"
 #include "purchases/PurchaseAlert.h"
@@ -109,6 +112,75 @@ std::string OvixCore::getTokenApp() const {
 
 void OvixCore::requestNotificationPermission(std::function<void(bool)> callback) {
     NotificationPermission::request(std::move(callback));
+}
+
+// --- Floating button and the overlay's requests ---
+
+void OvixCore::showFloatingButton(double size) {
+    auto window = kit::Application::keyWindow();
+    if (!window || floatingButton_) {
+        return;
+    }
+    auto button = FloatingButton::create({100, 200, size, size});
+    window->addSubview(button);
+    floatingButton_ = std::move(button);
+}
+
+void OvixCore::hideFloatingButton() {
+    if (floatingButton_) {
+        floatingButton_->removeFromSuperview();
+    }
+    floatingButton_.reset();
+}
+
+std::shared_ptr<FloatingButton> OvixCore::floatingButton() const {
+    return floatingButton_;
+}
+
+void OvixCore::getAllNews(std::function<void(std::optional<std::vector<NewsItem>>)> completion) {
+    APIService::loadNews([completion = std::move(completion)](std::optional<std::vector<Dictionary>> feed) {
+        if (!feed) {
+            completion(std::nullopt);
+            return;
+        }
+        std::vector<NewsItem> items;
+        items.reserve(feed->size());
+        for (const auto& element : *feed) {
+            items.push_back(NewsItem::fromDictionary(element));
+        }
+        completion(std::move(items));
+    });
+}
+
+void OvixCore::uploadImage(const platform::RgbaImage& picture,
+                           std::function<void(std::optional<Dictionary>)> completion) {
+    APIService::uploadImage(picture, std::move(completion));
+}
+
+// --- Warning button ---
+
+void OvixCore::showWarningButton(kit::Point origin) {
+    auto window = kit::Application::keyWindow();
+    if (!window) {
+        return;
+    }
+    if (warningButton_) {
+        warningButton_->updatePosition(origin);
+        warningButton_->updateState(WarningButtonState::normal, false);
+        return;
+    }
+    auto button =
+        WarningButton::create(kit::Image::named("ic_sdk_warning"), kit::Image::named("ic_sdk_warning_full"),
+                              {40, 40}, {150, 60}, origin);
+    window->addSubview(button);
+    warningButton_ = std::move(button);
+}
+
+void OvixCore::hideWarningButton() {
+    if (warningButton_) {
+        warningButton_->removeFromSuperview();
+    }
+    warningButton_.reset();
 }
 
 }  // namespace ovix

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <tuple>
 
-#include "api/NewsItem.h"
+#include "ovix/NewsItem.h"
 #include "ovix/testing/FixedTimeZone.h"
 #include "ovix/testing/HeadlessPlatform.h"
 #include "platform/posix/PosixTimeZone.h"

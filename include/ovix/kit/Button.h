@@ -51,6 +51,9 @@ class Button : public Control {
     std::string debugName() const override;
 
   protected:
+    /// Adds the image view and the title label; `create` (a subclass's too) calls it once the button
+    /// is owned by a shared_ptr.
+    void setUp();
     void stateDidChange() override { refresh(); }
     void tintColorDidChange() override { refresh(); }
     void didMoveToSuperview() override { refresh(); }  // the inherited tint may differ
@@ -64,7 +67,6 @@ class Button : public Control {
         }
         return it == table.end() ? std::nullopt : std::optional<T>(it->second);
     }
-    void setUp();
     void refresh();
 
     ButtonType type_;

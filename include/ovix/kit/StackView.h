@@ -47,6 +47,8 @@ class StackView : public View {
 
   protected:
     void subviewVisibilityDidChange(View& subview) override;
+    /// An arranged view removed from the stack's subviews leaves the arrangement at once.
+    void willRemoveSubview(View& subview) override;
 
   private:
     void rebuild();

@@ -286,6 +286,8 @@ class View : public LayoutItem {
     virtual void tintColorDidChange() {}
     /// Called when the bounds size changed (before autoresizing the subviews).
     virtual void boundsSizeDidChange(Size oldSize) { (void)oldSize; }
+    /// `subview` is about to leave this view (removed or moved elsewhere); still a subview here.
+    virtual void willRemoveSubview(View& subview) { (void)subview; }
     /// A subview was hidden or shown (stack views rearrange).
     virtual void subviewVisibilityDidChange(View& subview) { (void)subview; }
     /// A scroll view's content guide was solved to `size` (the content size).

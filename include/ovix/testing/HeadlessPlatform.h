@@ -12,6 +12,7 @@
 #include "ovix/testing/HeadlessApplication.h"
 #include "ovix/testing/HeadlessDeviceFacts.h"
 #include "ovix/testing/MemoryKeyValueStore.h"
+#include "ovix/testing/ScriptedImagePicker.h"
 #include "ovix/testing/ScriptedWebEngine.h"
 #include "ovix/testing/VirtualMainQueue.h"
 
@@ -46,6 +47,8 @@ struct HeadlessPlatform {
     std::shared_ptr<platform::SandboxStore> sandboxStore;
     /// Web views whose pages the test plays; their website data store records removals.
     std::shared_ptr<ScriptedWebEngine> webEngine;
+    /// The image picker: the test picks or cancels for the player.
+    std::shared_ptr<ScriptedImagePicker> imagePicker;
 
     /// Builds the platform; the calling thread becomes its main thread. Not installed yet.
     static HeadlessPlatform create(Options options);

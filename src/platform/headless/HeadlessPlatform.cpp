@@ -3,8 +3,8 @@
 #include "ovix/testing/FixedTimeZone.h"
 #include "platform/jpeg/JpegImageCodec.h"
 #include "platform/openssl/OpenSslCrypto.h"
+#include "platform/png/PngImageCodec.h"
 #include "platform/unsupported/UnsupportedHttpClient.h"
-#include "platform/unsupported/UnsupportedImagePicker.h"
 #include "platform/unsupported/UnsupportedNotificationCenter.h"
 
 namespace ovix::testing {
@@ -21,6 +21,7 @@ HeadlessPlatform HeadlessPlatform::create(Options options) {
     h.application = HeadlessApplication::create(options.application);
     h.sandboxStore = std::make_shared<platform::SandboxStore>();
     h.webEngine = std::make_shared<ScriptedWebEngine>();
+    h.imagePicker = std::make_shared<ScriptedImagePicker>(h.mainQueue);
 
     h.platform = std::make_shared<platform::Platform>();
     auto& p = *h.platform;
@@ -34,8 +35,8 @@ HeadlessPlatform HeadlessPlatform::create(Options options) {
     p.pushClient = h.pushClient;
     p.store = h.sandboxStore;
     p.deviceFacts = h.deviceFacts;
-    p.imagePicker = std::make_shared<platform::UnsupportedImagePicker>();
-    p.imageCodec = std::make_shared<platform::JpegImageCodec>();
+    p.imagePicker = h.imagePicker;
+    p.imageCodec = std::make_shared<platform::PngImageCodec>(std::make_shared<platform::JpegImageCodec>());
     p.application = h.application;
     p.webEngine = h.webEngine;
     p.crypto = std::make_shared<platform::OpenSslCrypto>();

@@ -4,12 +4,12 @@
 
 namespace ovix::platform {
 
-/// Image picking on a platform without a picker: completes with no images.
+/// Image picking on a platform without a picker: says so and finishes with no items.
 class UnsupportedImagePicker : public ImagePicker {
   public:
-    void pickImages(int, std::function<void(std::vector<RgbaImage>)> completion) override {
+    void present(const ImagePickerConfiguration&, Finish finish) override {
         unsupported::report("Image picking");
-        unsupported::later([completion = std::move(completion)] { completion({}); });
+        current()->mainQueue->async([finish = std::move(finish)] { finish({}); });
     }
 };
 
