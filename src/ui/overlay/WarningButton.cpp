@@ -8,6 +8,7 @@ std::shared_ptr<WarningButton> WarningButton::create(std::shared_ptr<const kit::
                                                      kit::Point origin) {
     auto button = std::make_shared<WarningButton>(Private{}, std::move(normalImage), std::move(fullImage),
                                                   normalSize, fullSize, origin);
+    button->setUp();
     // The button owns its action: hold it weakly.
     std::weak_ptr<WarningButton> weak = button;
     button->addTarget(

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "ovix/FloatingButton.h"
+#include "ovix/WarningButton.h"
 #include "platform/cairo/KitRenderer.h"
 #include "ui/overlay/PanelTestSupport.h"
 #include "ui/overlay/PopupTabHome.h"
@@ -128,6 +129,28 @@ TEST_F(PanelSnapshotTest, TheOverlayOverAGameInBothOrientations) {
         panel->menuButtons()[1]->sendActions(kit::ControlEvent::touchUpInside);
         snapshot(std::string(row.name) + "-5-events");
     }
+}
+
+// The button a game makes itself, in both looks: its picture is drawn over the game, and after a tap
+// the full look covers the wider frame about the same centre.
+TEST_F(PanelSnapshotTest, TheWarningButtonIsDrawnInBothLooks) {
+    start({390, 844}, false);
+    addGameScene();
+    auto button =
+        WarningButton::create(kit::Image::named("ic_sdk_warning"), kit::Image::named("ic_sdk_warning_full"),
+                              {40, 40}, {150, 60}, {120, 200});
+    window()->addSubview(button);
+    const Pixel sky{110, 180, 235, 255};
+    snapshot("warning-normal");
+    EXPECT_GT(differing(render(*window()).get(), button->frame(), sky), 400);
+
+    button->sendActions(kit::ControlEvent::touchUpInside);
+    h.mainQueue->advance(WarningButton::toggleDuration);
+    snapshot("warning-full");
+    const kit::Rect full = button->frame();
+    ASSERT_EQ(full.size.width, 150);
+    // The strip the full look adds left of the normal frame is drawn, not sky.
+    EXPECT_GT(differing(render(*window()).get(), {full.x() + 4, full.y() + 10, 40, 40}, sky), 400);
 }
 
 }  // namespace
