@@ -129,12 +129,13 @@ void TableView::arrange(bool remeasure) {
             y += row.height;
         }
     }
-    measuredWidth_ = bounds().size.width;
+    measuredArea_ = area;
     setContentSize({bounds().size.width, y});
 }
 
 void TableView::layoutSubviews() {
-    if (bounds().size.width != measuredWidth_) {
+    // A new width, or new sides kept clear (the device turned), lays the rows out again.
+    if (rowArea() != measuredArea_) {
         arrange(true);
     }
 }
