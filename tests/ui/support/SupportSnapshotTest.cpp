@@ -24,7 +24,7 @@ struct Rgb {
     int r, g, b;
 };
 
-/// A `w` x `h` picture split into four coloured quarters, as PNG or JPEG bytes.
+/// A `w` x `h` picture split into four coloured quarters.
 platform::RgbaImage quarters(int w, int h, Rgb a, Rgb b, Rgb c, Rgb d) {
     platform::RgbaImage image{w, h, {}};
     for (int y = 0; y < h; ++y) {
