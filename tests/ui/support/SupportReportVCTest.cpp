@@ -293,5 +293,21 @@ TEST_F(SupportReportVCTest, AFormClosedWhileUploadingIgnoresTheAnswers) {
     EXPECT_TRUE(lines().empty());
 }
 
+TEST_F(SupportReportVCTest, AFormClosedBeforeItsPicturesLoadedUploadsNothing) {
+    formView().handleAttachTap();
+    ASSERT_TRUE(h.imagePicker->pick(pictures(0, 2)));
+    // Queued behind the picker's answer, ahead of the loads that answer starts.
+    h.mainQueue->async([&] {
+        root->dismiss(false);
+        form.reset();
+    });
+    h.console->clear();
+    h.mainQueue->runUntilIdle();
+    ASSERT_EQ(form, nullptr);
+    h.mainQueue->runUntil([] { return false; }, std::chrono::milliseconds(300));
+    EXPECT_EQ(server.countFor(uploadPath), 0u);
+    EXPECT_TRUE(lines().empty());
+}
+
 }  // namespace
 }  // namespace ovix::test
