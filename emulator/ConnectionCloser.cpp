@@ -42,7 +42,7 @@ bool matches(int fd, int localPort, int remotePort) {
 
 }  // namespace
 
-bool ConnectionCloser::shutDown(const httplib::Request& request) {
+int ConnectionCloser::socketOf(const httplib::Request& request) {
     int found = -1;
     if (request.ssl != nullptr) {
         found = SSL_get_fd(request.ssl);
@@ -58,7 +58,11 @@ bool ConnectionCloser::shutDown(const httplib::Request& request) {
             }
         }
     }
-    return found >= 0 && ::shutdown(found, SHUT_RDWR) == 0;
+    return found;
+}
+
+bool ConnectionCloser::shutDown(int socket) {
+    return ::shutdown(socket, SHUT_RDWR) == 0;
 }
 
 }  // namespace ovix::emulator

@@ -196,9 +196,11 @@ void EmulatorServer::serve(const Listener& listener, const std::string& name, Ha
         entry.fault = fault->describe();
         std::this_thread::sleep_for(std::chrono::milliseconds(fault->latencyMs));
     }
-    if (fault && fault->drop && ConnectionCloser::shutDown(request)) {
+    if (const int socket = fault && fault->drop ? ConnectionCloser::socketOf(request) : -1; socket >= 0) {
+        // Logged first: once the socket is shut, the client may look at the log at once.
         entry.timeMs = nowMs();
         log_.record(std::move(entry));
+        ConnectionCloser::shutDown(socket);
         response.status = 500;  // never reaches the client: its connection is gone
         return;
     }
