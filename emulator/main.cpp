@@ -107,7 +107,13 @@ int main(int argc, char** argv) {
             std::cout << "  TLS authority " << server.caPath().string()
                       << " (trust it in the SDK: OVIX_CA_BUNDLE=" << server.caPath().string() << ")\n";
         }
-        std::cout << "  in the game: Environment::emulator(\"" << server.accountsUrl() << "\")" << std::endl;
+        if (server.graphUrl() == server.accountsUrl()) {
+            std::cout << "  in the game: Environment::emulator(\"" << server.accountsUrl() << "\")"
+                      << std::endl;
+        } else {
+            std::cout << "  in the game: Environment{\"" << server.accountsUrl() << "\", \""
+                      << server.graphUrl() << "\"}" << std::endl;
+        }
         int received = 0;
         sigwait(&stopSignals, &received);
         std::cout << "ovix-emulator: stopping" << std::endl;
