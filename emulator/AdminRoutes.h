@@ -19,7 +19,7 @@ class RequestLog;
 ///   GET    /_emulator/log[?route=<name>]   {"entries": [...]} oldest first
 ///   DELETE /_emulator/log                  forgets the log
 ///   GET    /_emulator/faults               {"<route>": {...}, ...}
-///   PUT    /_emulator/faults/<route>       body: a fault as JSON, or a spec such as "status:503"
+///   PUT    /_emulator/faults/<route>       body: a fault as JSON, or a text such as "status:503"
 ///   DELETE /_emulator/faults[/<route>]     removes one fault, or all
 ///   GET    /_emulator/devices              {"<client id>": <last device record>, ...}
 ///   GET    /_emulator/ca.pem               the authority to trust (404 without TLS)

@@ -56,15 +56,15 @@ std::string bodyName(Fault::Body body) {
 
 }  // namespace
 
-Fault Fault::parse(std::string_view spec) {
-    if (spec.empty()) {
+Fault Fault::parse(std::string_view text) {
+    if (text.empty()) {
         throw std::invalid_argument("empty fault");
     }
     Fault fault;
     std::size_t start = 0;
-    while (start <= spec.size()) {
-        const auto comma = std::min(spec.find(',', start), spec.size());
-        apply(fault, spec.substr(start, comma - start));
+    while (start <= text.size()) {
+        const auto comma = std::min(text.find(',', start), text.size());
+        apply(fault, text.substr(start, comma - start));
         start = comma + 1;
     }
     return fault;

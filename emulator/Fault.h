@@ -23,9 +23,9 @@ struct Fault {
     bool operator==(const Fault&) const = default;
 
     /// Comma-separated items: "latency:<ms>", "status:<code>", "malformed", "truncated", "drop",
-    /// "times:<n>". Throws std::invalid_argument naming the item it cannot read; an empty spec is an
+    /// "times:<n>". Throws std::invalid_argument naming the item it cannot read; an empty text is an
     /// error too (a fault that does nothing is a typo).
-    static Fault parse(std::string_view spec);
+    static Fault parse(std::string_view text);
     /// The same items, in the order above.
     std::string describe() const;
 

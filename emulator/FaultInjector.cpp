@@ -18,12 +18,12 @@ void FaultInjector::set(const std::string& route, const Fault& fault) {
     faults_[route] = fault;
 }
 
-void FaultInjector::setFromSpec(std::string_view routeAndSpec) {
-    const auto equals = routeAndSpec.find('=');
+void FaultInjector::setFromText(std::string_view routeAndFault) {
+    const auto equals = routeAndFault.find('=');
     if (equals == std::string_view::npos) {
-        throw std::invalid_argument("a fault is route=spec, e.g. news=status:503");
+        throw std::invalid_argument("a fault is route=fault, e.g. news=status:503");
     }
-    set(std::string(routeAndSpec.substr(0, equals)), Fault::parse(routeAndSpec.substr(equals + 1)));
+    set(std::string(routeAndFault.substr(0, equals)), Fault::parse(routeAndFault.substr(equals + 1)));
 }
 
 bool FaultInjector::clear(const std::string& route) {

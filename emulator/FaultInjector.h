@@ -24,8 +24,9 @@ class FaultInjector {
     /// Puts `fault` on `route`, replacing any fault already there. Throws std::invalid_argument for a
     /// route name that is not known.
     void set(const std::string& route, const Fault& fault);
-    /// "route=spec" as on the command line (see `Fault::parse`). Throws std::invalid_argument.
-    void setFromSpec(std::string_view routeAndSpec);
+    /// "route=fault" as on the command line, e.g. "news=status:503" (see `Fault::parse`). Throws
+    /// std::invalid_argument.
+    void setFromText(std::string_view routeAndFault);
     /// Removes the fault of `route`; false when there was none.
     bool clear(const std::string& route);
     void clearAll();

@@ -18,7 +18,7 @@ constexpr const char* kUsage = R"(usage: ovix-emulator [options]
   --host ADDRESS      address to bind, default 127.0.0.1
   --config FILE       config JSON, default the shipped demo config
   --data-dir DIR      uploads and the TLS authority, default ./ovix-emulator-data
-  --fault ROUTE=SPEC  inject a fault, e.g. news=status:503, upload=latency:2000,drop (repeatable)
+  --fault ROUTE=FAULT  inject a fault, e.g. news=status:503, upload=latency:2000,drop (repeatable)
   --tls               serve HTTPS with a certificate from the emulator's own authority
   --quiet             do not print the request log
 routes: login signin device userinfo eligibility news upload image
@@ -98,7 +98,7 @@ int main(int argc, char** argv) {
         }
         ovix::emulator::EmulatorServer server(std::move(arguments.options));
         for (const auto& fault : arguments.faults) {
-            server.faults().setFromSpec(fault);
+            server.faults().setFromText(fault);
         }
         std::cout << "ovix-emulator: accounts host " << server.accountsUrl() << ", graph host "
                   << server.graphUrl() << "\n  config " << arguments.configPath.string() << "\n  admin "

@@ -54,9 +54,9 @@ TEST_F(EmulatorTest, EachFaultKindReachesTheSdkAndTheWireAsItSays) {
         {"drop", false, {false, 0, "", false}},
         {"latency:300", true, {true, 200, intact, true}},
     };
-    for (const auto& [spec, sdkSucceeds, expected] : cases) {
-        SCOPED_TRACE(spec);
-        emu.faults().set("userinfo", Fault::parse(spec));
+    for (const auto& [text, sdkSucceeds, expected] : cases) {
+        SCOPED_TRACE(text);
+        emu.faults().set("userinfo", Fault::parse(text));
         const auto start = std::chrono::steady_clock::now();
         EXPECT_EQ(userInfo().has_value(), sdkSucceeds);
         auto client = raw();
@@ -66,9 +66,9 @@ TEST_F(EmulatorTest, EachFaultKindReachesTheSdkAndTheWireAsItSays) {
                   std::tie(expected.head, expected.status, expected.body, expected.complete));
         const auto entries = emu.log().entries("userinfo");
         ASSERT_EQ(entries.size(), 2u);
-        EXPECT_EQ(entries.back().fault, spec);
+        EXPECT_EQ(entries.back().fault, text);
         EXPECT_EQ(entries.back().status, wire.head ? wire.status : 0);
-        if (spec.starts_with("latency")) {
+        if (text.starts_with("latency")) {
             EXPECT_GE(elapsed, std::chrono::milliseconds(600)) << "both requests waited";
         }
         emu.log().clear();
@@ -77,7 +77,7 @@ TEST_F(EmulatorTest, EachFaultKindReachesTheSdkAndTheWireAsItSays) {
 
 TEST_F(EmulatorTest, AFaultWithACountEndsAfterThatManyRequestsAndOthersRoutesAreUntouched) {
     signInAs("demo-token-player1");
-    emu.faults().setFromSpec("userinfo=status:500,times:2");
+    emu.faults().setFromText("userinfo=status:500,times:2");
     auto news = [] {
         return Outcome<std::optional<std::vector<NewsItem>>>().run(
             [](auto done) { OvixCore::shared().getAllNews(done); });

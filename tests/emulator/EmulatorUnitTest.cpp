@@ -1,4 +1,4 @@
-// The emulator's own parsing: fault specs on the command line and config files.
+// The emulator's own parsing: fault texts on the command line and config files.
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -13,32 +13,32 @@
 namespace ovix::emulator {
 namespace {
 
-TEST(EmulatorFaultSpec, ReadsEveryItemAndRefusesWhatItCannotRead) {
+TEST(EmulatorFaultText, ReadsEveryItemAndRefusesWhatItCannotRead) {
     const std::tuple<std::string, Fault> valid[] = {
         {"drop", Fault{0, 0, Fault::Body::Intact, true, 0}},
         {"latency:1500,status:503", Fault{1500, 503, Fault::Body::Intact, false, 0}},
         {"truncated,times:3", Fault{0, 0, Fault::Body::Truncated, false, 3}},
         {"malformed,latency:0", Fault{0, 0, Fault::Body::Malformed, false, 0}},
     };
-    for (const auto& [spec, fault] : valid) {
-        SCOPED_TRACE(spec);
-        EXPECT_EQ(Fault::parse(spec), fault);
-        EXPECT_EQ(Fault::parse(Fault::parse(spec).describe()), fault) << "describe() reads back";
+    for (const auto& [text, fault] : valid) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(Fault::parse(text), fault);
+        EXPECT_EQ(Fault::parse(Fault::parse(text).describe()), fault) << "describe() reads back";
         EXPECT_EQ(Fault::fromJson(fault.toJson()), fault);
     }
-    for (const char* spec : {"", "status", "status:99", "status:600", "latency:-1", "latency:5s", "times:0",
+    for (const char* text : {"", "status", "status:99", "status:600", "latency:-1", "latency:5s", "times:0",
                              "drop,", "Drop", "status:503 ", "slow"}) {
-        SCOPED_TRACE(spec);
-        EXPECT_THROW(Fault::parse(spec), std::invalid_argument);
+        SCOPED_TRACE(text);
+        EXPECT_THROW(Fault::parse(text), std::invalid_argument);
     }
 }
 
-TEST(EmulatorFaultSpec, TheInjectorKnowsOnlyTheEmulatorsRoutes) {
+TEST(EmulatorFaultText, TheInjectorKnowsOnlyTheEmulatorsRoutes) {
     FaultInjector faults(EmulatorServer::routeNames());
-    EXPECT_NO_THROW(faults.setFromSpec("upload=drop"));
-    EXPECT_THROW(faults.setFromSpec("uploads=drop"), std::invalid_argument);
-    EXPECT_THROW(faults.setFromSpec("upload"), std::invalid_argument);
-    EXPECT_THROW(faults.setFromSpec("upload="), std::invalid_argument);
+    EXPECT_NO_THROW(faults.setFromText("upload=drop"));
+    EXPECT_THROW(faults.setFromText("uploads=drop"), std::invalid_argument);
+    EXPECT_THROW(faults.setFromText("upload"), std::invalid_argument);
+    EXPECT_THROW(faults.setFromText("upload="), std::invalid_argument);
     EXPECT_EQ(faults.snapshot().size(), 1u);
 }
 
