@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <tuple>
 
+#include "emulator/AdminRoutes.h"
 #include "emulator/EmulatorConfig.h"
 #include "emulator/EmulatorServer.h"
 #include "emulator/FaultInjector.h"
@@ -103,6 +104,18 @@ TEST(EmulatorLoginPage, AClientIdCannotBreakOutOfTheScriptOrTheMarkup) {
     EXPECT_EQ(page.find("</script><img"), std::string::npos);
     EXPECT_EQ(page.find("<img src=y"), std::string::npos);
     EXPECT_NE(page.find(R"("x\u003c/script>\u003cimg src=y onerror=alert(1)>\"'")"), std::string::npos);
+}
+
+TEST(EmulatorAdmin, OnlyLoopbackPeersCountAsThisMachine) {
+    const std::tuple<const char*, bool> cases[] = {
+        {"127.0.0.1", true},        {"127.8.9.10", true},  {"::1", true},
+        {"::ffff:127.0.0.1", true}, {"10.0.0.127", false}, {"1270.0.0.1", false},
+        {"::ffff:10.0.0.1", false}, {"::2", false},        {"", false},
+    };
+    for (const auto& [address, loopback] : cases) {
+        SCOPED_TRACE(address);
+        EXPECT_EQ(AdminRoutes::isLoopback(address), loopback);
+    }
 }
 
 }  // namespace
