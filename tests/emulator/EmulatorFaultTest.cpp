@@ -168,6 +168,30 @@ TEST_F(EmulatorTest, TheSignInPageChecksTheClientAndKeepsTheDeviceRecordItIsGive
     EXPECT_EQ(nlohmann::json::parse(listed->body).at("demo-game").at("device_id"), "abc");
 }
 
+TEST_F(EmulatorTest, TheNewsFeedPagesBySizeAndIndexAndIgnoresNumbersItCannotRead) {
+    const std::tuple<std::string, std::vector<int>> cases[] = {
+        {"pageSize=100&pageIndex=1", {1001, 1002, 1003, 1004}},
+        {"pageSize=2&pageIndex=2", {1003, 1004}},
+        {"pageSize=3&pageIndex=2", {1004}},
+        {"pageSize=2&pageIndex=3", {}},
+        {"pageSize=x&pageIndex=0", {1001, 1002, 1003, 1004}},  // defaults, and the first page
+        {"pageSize=1", {1001}},
+    };
+    auto client = raw();
+    for (const auto& [query, ids] : cases) {
+        SCOPED_TRACE(query);
+        auto answer =
+            client.Get(("/game/online/api/v2.0/client/all-news?clientId=demo-game&" + query).c_str());
+        ASSERT_TRUE(answer);
+        const auto feed = nlohmann::json::parse(answer->body);
+        std::vector<int> seen;
+        for (const auto& item : feed.at("Data")) {
+            seen.push_back(item.at("Id").get<int>());
+        }
+        EXPECT_EQ(seen, ids);
+    }
+}
+
 // One multipart part as the SDK writes it, with the parts of its header and its bytes replaceable.
 std::string part(const std::string& name, const std::string& filename, const std::string& type,
                  const std::string& bytes) {
