@@ -1,3 +1,5 @@
+#include <cstdlib>
+
 #include "ovix/platform/Platform.h"
 #include "ovix/platform/SandboxStore.h"
 #include "platform/curl/CurlHttpClient.h"
@@ -26,7 +28,14 @@ std::shared_ptr<Platform> makeDefault() {
     p->mainQueue = std::make_shared<ThreadMainQueue>();
     p->keyValueStore = std::make_shared<SqliteKeyValueStore>(SqliteKeyValueStore::defaultPath(), p->console);
     p->resources = std::make_shared<ExecutableResourceBundle>();
-    p->http = std::make_shared<CurlHttpClient>();
+    // A developer may name the authorities to trust instead of the system's (a local emulator's, say)
+    // in OVIX_CA_BUNDLE, a PEM file. Verification itself stays on.
+    CurlHttpClient::Options http;
+    if (const char* authorities = std::getenv("OVIX_CA_BUNDLE");
+        authorities != nullptr && *authorities != '\0') {
+        http.caBundlePath = authorities;
+    }
+    p->http = std::make_shared<CurlHttpClient>(http);
     p->notificationCenter = std::make_shared<UnsupportedNotificationCenter>();
     p->pushClient = std::make_shared<LinuxPushClient>();
     // Linux has no platform store: the sandbox store, from the catalog file the developer named.
