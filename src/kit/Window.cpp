@@ -273,6 +273,13 @@ void Window::insertText(std::string_view text) {
     }
 }
 
+bool Window::keyDown(Key key, KeyModifiers modifiers) {
+    if (auto responder = firstResponder(); responder && responder->keyDown(key, modifiers)) {
+        return true;
+    }
+    return false;
+}
+
 void Window::deleteBackward() {
     if (auto responder = firstResponder()) {
         responder->deleteBackward();

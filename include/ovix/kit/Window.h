@@ -59,6 +59,9 @@ class Window : public View {
     /// Typed text for the first responder; ignored without one.
     void insertText(std::string_view text) override;
     void deleteBackward() override;
+    /// A key for the first responder; Escape that no responder uses dismisses the form sheet on top
+    /// of the window's presentations. True when something used the key.
+    bool keyDown(Key key, KeyModifiers modifiers = {}) override;
 
     std::string className() const override { return "Window"; }
 
