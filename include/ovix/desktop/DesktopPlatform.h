@@ -40,6 +40,14 @@ class DesktopPlatform {
     static std::shared_ptr<platform::Platform> create(GtkWindow* gameWindow) {
         return create(gameWindow, {});
     }
+
+    /// Creates and installs the platform, then layers the SDK's window over the game's content
+    /// (`GameWindowOverlay::attach`). Keep the overlay while the game runs; dropping it gives the
+    /// game its content back.
+    static std::shared_ptr<GameWindowOverlay> install(GtkWindow* gameWindow, const Options& options);
+    static std::shared_ptr<GameWindowOverlay> install(GtkWindow* gameWindow) {
+        return install(gameWindow, {});
+    }
 };
 
 }  // namespace ovix::desktop

@@ -1,5 +1,7 @@
 #include "ovix/desktop/DesktopPlatform.h"
 
+#include "ovix/desktop/GameWindowOverlay.h"
+
 #include <gtk/gtk.h>
 
 #include "ovix/platform/SandboxStore.h"
@@ -78,6 +80,11 @@ std::shared_ptr<platform::Platform> DesktopPlatform::create(GtkWindow* gameWindo
     p->webEngine = std::make_shared<webkitgtk::WebKitGtkEngine>(p->console);
     p->timeZone = std::make_shared<PosixTimeZone>();
     return p;
+}
+
+std::shared_ptr<GameWindowOverlay> DesktopPlatform::install(GtkWindow* gameWindow, const Options& options) {
+    platform::install(create(gameWindow, options));
+    return GameWindowOverlay::attach(gameWindow);
 }
 
 }  // namespace ovix::desktop

@@ -3,6 +3,7 @@
 #include <gio/gio.h>
 
 #include "ovix/kit/NotificationCenter.h"
+#include "ovix/kit/ViewController.h"
 #include "ovix/kit/Window.h"
 #include "ovix/kit/WindowScene.h"
 #include "platform/unsupported/Unsupported.h"
@@ -29,6 +30,9 @@ void GameWindowApplication::ensureWindow() const {
     }
     scene_ = kit::WindowScene::create(screen_);
     window_ = kit::Window::create(scene_);
+    // The game's side of the window: a clear root view that takes no input, so that the SDK's
+    // screens can be presented over it as over a game's own root controller.
+    window_->setRootViewController(kit::ViewController::create());
     window_->makeKeyAndVisible();
 }
 

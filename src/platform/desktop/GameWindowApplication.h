@@ -13,10 +13,10 @@
 namespace ovix::platform::desktop {
 
 /// The application of a game that runs in one desktop window: one scene whose one window (key and
-/// visible, no safe-area insets) covers the game window's content area, and a main screen of that
-/// size. A landscape window is a landscape screen: the orientation is `landscapeRight` while the
-/// content is wider than tall, `portrait` otherwise. URLs go to the desktop's default handler for
-/// their scheme.
+/// visible, no safe-area insets, a clear root controller for the SDK to present over) covers the game
+/// window's content area, and a main screen of that size. A landscape window is a landscape screen: the
+/// orientation is `landscapeRight` while the content is wider than tall, `portrait` otherwise. URLs go to the
+/// desktop's default handler for their scheme.
 ///
 /// Threading: main thread, except `screenFacts` (any thread). The scene and window are made on
 /// first use, after the platform is installed.
