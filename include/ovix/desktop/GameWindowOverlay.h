@@ -43,7 +43,8 @@ class GameWindowOverlay {
     /// Whether the frame clock is redrawing now (false once the picture is still).
     bool isRedrawing() const;
     /// Writes what the game window shows (game, SDK views and pages) as a PNG; false when the window
-    /// has not been drawn yet or the file could not be written.
+    /// has not been drawn yet or the file could not be written. Call it between frames (from an idle
+    /// or timeout source), not from inside a frame-clock callback, where GTK renders nothing.
     bool writeSnapshot(const std::filesystem::path& path) const;
 
     struct Impl;
