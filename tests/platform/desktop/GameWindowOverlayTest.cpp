@@ -12,6 +12,9 @@
 #include "ovix/kit/NotificationCenter.h"
 #include "ovix/kit/TextField.h"
 #include "ovix/kit/ViewController.h"
+#include "ovix/kit/host/WebEngine.h"
+#include "ovix/kit/host/WebView.h"
+#include "platform/gtk/GtkEmbeddedView.h"
 #include "support/GtkTestEnvironment.h"
 #include "support/ScratchDirectory.h"
 #include "support/XTestInput.h"
@@ -255,6 +258,34 @@ TEST_F(GameWindowOverlayTest, TurningTheWindowToPortraitSwapsTheAccountPopupsClo
     // Letting the overlay go gives the game its window back.
     overlay.reset();
     EXPECT_EQ(gtk_window_get_child(gameWindow), game);
+}
+
+TEST_F(GameWindowOverlayTest, APageLiesOverItsViewTakesItsOwnClicksAndLeavesWithIt) {
+    auto page = platform::current()->webEngine->makeWebView({100, 80, 300, 200}, {});
+    GtkWidget* widget = dynamic_cast<platform::gtk::GtkEmbeddedView&>(*page).widget();
+    auto placedAt = [&](kit::Rect expected) {
+        return pumpUntil(
+            [&] {
+                graphene_rect_t r;
+                return gtk_widget_get_parent(widget) != nullptr && gtk_widget_compute_bounds(widget, game, &r) &&
+                       kit::Rect{r.origin.x, r.origin.y, r.size.width, r.size.height} == expected;
+            },
+            5);
+    };
+    overlay->window()->addSubview(page);
+    EXPECT_TRUE(placedAt({100, 80, 300, 200}));
+    page->setFrame({40, 300, 200, 120});
+    overlay->setNeedsDisplay();
+    EXPECT_TRUE(placedAt({40, 300, 200, 120})) << "the widget follows its view";
+
+    click({140, 360});
+    EXPECT_EQ(gamePresses, 0) << "the page's widget has the click";
+    click({600, 100});
+    EXPECT_EQ(gamePresses, 1);
+
+    page->removeFromSuperview();
+    overlay->setNeedsDisplay();
+    EXPECT_TRUE(pumpUntil([&] { return gtk_widget_get_parent(widget) == nullptr; }, 5));
 }
 
 }  // namespace
