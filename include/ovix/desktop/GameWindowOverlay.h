@@ -31,6 +31,7 @@ class GameWindowOverlay {
   public:
     /// Layers the installed platform's window over `gameWindow`'s content. Null when the installed
     /// platform is not a desktop platform (`DesktopPlatform::create`) or the window has no child.
+    /// One overlay per window at a time: the platform has one kit window to show.
     static std::shared_ptr<GameWindowOverlay> attach(GtkWindow* gameWindow);
     ~GameWindowOverlay();
     GameWindowOverlay(const GameWindowOverlay&) = delete;

@@ -80,6 +80,7 @@ struct GameWindowOverlay::Impl {
     GtkIMContext* im = nullptr;
     guint tick = 0;
     int framesToDraw = 0;
+    std::optional<kit::Point> lastPointer;
 
     std::shared_ptr<platform::desktop::GameWindowApplication> application;
     std::shared_ptr<platform::desktop::ActivityMainQueue> queue;
@@ -281,7 +282,12 @@ bool GameWindowOverlay::Impl::route(GdkEvent* event) {
         wake();
         return false;
     }
-    const auto point = overlayPoint(event);
+    auto point = overlayPoint(event);
+    if (point) {
+        lastPointer = point;
+    } else if (type == GDK_SCROLL) {
+        point = lastPointer;  // wheel events carry no position: they happen where the pointer is
+    }
     if (!point) {
         return false;
     }

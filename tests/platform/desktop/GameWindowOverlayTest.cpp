@@ -10,10 +10,12 @@
 #include "ovix/desktop/DesktopPlatform.h"
 #include "ovix/desktop/GameWindowOverlay.h"
 #include "ovix/kit/NotificationCenter.h"
+#include "ovix/kit/ScrollView.h"
 #include "ovix/kit/TextField.h"
 #include "ovix/kit/ViewController.h"
 #include "ovix/kit/host/WebEngine.h"
 #include "ovix/kit/host/WebView.h"
+#include "platform/desktop/ActivityMainQueue.h"
 #include "platform/gtk/GtkEmbeddedView.h"
 #include "support/GtkTestEnvironment.h"
 #include "support/ScratchDirectory.h"
@@ -52,6 +54,13 @@ class GameWindowOverlayTest : public ::testing::Test {
         GtkGesture* click = gtk_gesture_click_new();
         g_signal_connect_swapped(click, "pressed", G_CALLBACK(+[](int* count) { ++*count; }), &gamePresses);
         gtk_widget_add_controller(game, GTK_EVENT_CONTROLLER(click));
+        GtkEventController* wheel = gtk_event_controller_scroll_new(GTK_EVENT_CONTROLLER_SCROLL_BOTH_AXES);
+        g_signal_connect_swapped(wheel, "scroll", G_CALLBACK(+[](int* count) {
+                                     ++*count;
+                                     return TRUE;
+                                 }),
+                                 &gameScrolls);
+        gtk_widget_add_controller(game, wheel);
         GtkEventController* keys = gtk_event_controller_key_new();
         g_signal_connect_swapped(keys, "key-pressed", G_CALLBACK(+[](int* count) {
                                      ++*count;
@@ -67,6 +76,9 @@ class GameWindowOverlayTest : public ::testing::Test {
         options.environment = platform::Environment::emulator("http://127.0.0.1:9");
         overlay = desktop::DesktopPlatform::install(gameWindow, options);
         ASSERT_TRUE(overlay);
+        queue =
+            std::dynamic_pointer_cast<platform::desktop::ActivityMainQueue>(platform::current()->mainQueue);
+        ASSERT_TRUE(queue);
         gtk_window_present(gameWindow);
         ASSERT_TRUE(pumpUntil([&] { return gtk_widget_get_width(game) == 800 && !overlay->isRedrawing(); }));
         input = std::make_unique<XTestInput>(gameWindow);
@@ -144,7 +156,9 @@ class GameWindowOverlayTest : public ::testing::Test {
     GtkWidget* game = nullptr;
     int gamePresses = 0;
     int gameKeys = 0;
+    int gameScrolls = 0;
     std::shared_ptr<desktop::GameWindowOverlay> overlay;
+    std::shared_ptr<platform::desktop::ActivityMainQueue> queue;
     std::unique_ptr<XTestInput> input;
 };
 
@@ -169,15 +183,18 @@ TEST_F(GameWindowOverlayTest, ClicksReachTheGameExceptOnTheSdksButton) {
     for (const auto& c : clicks) {
         SCOPED_TRACE(c.where);
         const bool wasOpen = floating->popupView() != nullptr;
+        const double before = queue->now();
         click(c.point);
         EXPECT_EQ(gamePresses, c.gamePresses);
         EXPECT_EQ(floating->popupView() != nullptr, c.menuOpen);
         if (c.menuOpen && !wasOpen) {
-            // The sheet slides up: the frame clock keeps drawing until the slide is over (the
-            // release's own handling took part of it already).
-            const double clicked = platform::current()->mainQueue->now();
+            // The sheet slides up: the overlay knows the slide is on and draws until it is over.
+            EXPECT_GE(queue->busyUntil(), before + FloatingButton::slideDuration);
+            while (queue->now() < queue->busyUntil() - 0.02) {
+                ASSERT_TRUE(overlay->isRedrawing()) << "stopped drawing mid-slide";
+                pumpUntil([] { return false; }, 0.01);
+            }
             ASSERT_TRUE(waitUntilStill());
-            EXPECT_GE(platform::current()->mainQueue->now() - clicked, FloatingButton::slideDuration / 2);
         }
     }
     EXPECT_FALSE(pixelAt({400, 590}).isGame());
@@ -293,6 +310,41 @@ TEST_F(GameWindowOverlayTest, APageLiesOverItsViewTakesItsOwnClicksAndLeavesWith
     page->removeFromSuperview();
     overlay->setNeedsDisplay();
     EXPECT_TRUE(pumpUntil([&] { return gtk_widget_get_parent(widget) == nullptr; }, 5));
+}
+
+TEST_F(GameWindowOverlayTest, TheWheelScrollsTheSdksListUnderThePointerAndTheGameElsewhere) {
+    auto list = kit::ScrollView::create({500, 100, 200, 200});
+    list->setBackgroundColor(kit::Color::white());
+    list->setContentSize({200, 1000});
+    overlay->window()->addSubview(list);
+    ASSERT_TRUE(waitForPicture());
+    struct Turn {
+        const char* what;
+        kit::Point at;
+        int button;  // X's wheel buttons: 4 up, 5 down
+        bool listMoves;
+        bool down;
+        int gameScrolls;
+    } const turns[] = {
+        {"down over the list", {600, 200}, 5, true, true, 0},
+        {"up over the list", {600, 200}, 4, true, false, 0},
+        {"down over the game", {200, 400}, 5, false, true, 1},
+    };
+    for (const auto& t : turns) {
+        SCOPED_TRACE(t.what);
+        const double before = list->contentOffset().y;
+        moveTo(t.at);
+        input->button(true, t.button);
+        input->button(false, t.button);
+        const double after = list->contentOffset().y;
+        if (t.listMoves) {
+            EXPECT_EQ(after > before, t.down) << before << " -> " << after;
+            EXPECT_NE(after, before);
+        } else {
+            EXPECT_EQ(after, before);
+        }
+        EXPECT_EQ(gameScrolls, t.gameScrolls);
+    }
 }
 
 }  // namespace
