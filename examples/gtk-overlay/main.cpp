@@ -4,6 +4,8 @@
 //   ovix_gtk_overlay                          play; close the window to quit
 //   ovix_gtk_overlay --screenshot out.png     write the window after 90 frames, then quit
 //   ovix_gtk_overlay --frames 30 --screenshot out.png
+//   ovix_gtk_overlay --open-menu --backend http://127.0.0.1:8080 --screenshot out.png
+//       (taps the floating button after 20 frames; --backend: a local emulator's address)
 #include <gtk/gtk.h>
 
 #include <cmath>
@@ -12,6 +14,7 @@
 #include <memory>
 #include <string>
 
+#include "ovix/FloatingButton.h"
 #include "ovix/OvixCore.h"
 #include "ovix/desktop/DesktopPlatform.h"
 #include "ovix/desktop/GameWindowOverlay.h"
@@ -24,6 +27,7 @@ struct Game {
     int clicks = 0;
     double lastFrame = -1;
     int screenshotAfter = 90;
+    bool openMenu = false;
     std::string screenshot;
     std::shared_ptr<ovix::desktop::GameWindowOverlay> overlay;
     GMainLoop* loop = nullptr;
@@ -75,7 +79,14 @@ gboolean advance(GtkWidget* area, GdkFrameClock* clock, gpointer data) {
     }
     game->lastFrame = now;
     gtk_widget_queue_draw(area);
-    if (!game->screenshot.empty() && ++game->frames == game->screenshotAfter) {
+    ++game->frames;
+    if (game->openMenu && game->frames == 20) {
+        // What a player's click on the button does; the game's clicks elsewhere stay the game's.
+        if (auto button = ovix::OvixCore::shared().floatingButton()) {
+            button->buttonTapped();
+        }
+    }
+    if (!game->screenshot.empty() && game->frames == game->screenshotAfter) {
         g_idle_add(writeScreenshot, game);  // once this frame has been painted
     }
     return G_SOURCE_CONTINUE;
@@ -91,12 +102,18 @@ void clicked(GtkGestureClick*, int, double x, double y, gpointer data) {
 
 int main(int argc, char** argv) {
     Game game;
-    for (int i = 1; i + 1 < argc; i += 2) {
+    ovix::desktop::DesktopPlatform::Options options;
+    for (int i = 1; i < argc; ++i) {
         const std::string option = argv[i];
-        if (option == "--screenshot") {
-            game.screenshot = argv[i + 1];
-        } else if (option == "--frames") {
-            game.screenshotAfter = std::max(1, std::atoi(argv[i + 1]));
+        const char* value = i + 1 < argc ? argv[i + 1] : nullptr;
+        if (option == "--open-menu") {
+            game.openMenu = true;
+        } else if (option == "--screenshot" && value) {
+            game.screenshot = argv[++i];
+        } else if (option == "--frames" && value) {
+            game.screenshotAfter = std::max(21, std::atoi(argv[++i]));
+        } else if (option == "--backend" && value) {
+            options.environment = ovix::platform::Environment::emulator(argv[++i]);
         }
     }
     if (!gtk_init_check()) {
@@ -122,7 +139,7 @@ int main(int argc, char** argv) {
                      game.loop);
 
     // The SDK: one call on GTK's thread, before any other SDK call.
-    game.overlay = ovix::desktop::DesktopPlatform::install(GTK_WINDOW(window));
+    game.overlay = ovix::desktop::DesktopPlatform::install(GTK_WINDOW(window), options);
     ovix::OvixCore::shared().showFloatingButton(60);
 
     gtk_window_present(GTK_WINDOW(window));
