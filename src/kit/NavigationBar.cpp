@@ -78,12 +78,15 @@ void NavigationBar::refresh() {
 
 void NavigationBar::layoutSubviews() {
     Size size = bounds().size;
-    const double margin = 16;
+    // The buttons keep clear of what covers the bar's sides (a landscape phone's notch).
+    const EdgeInsets safe = safeAreaInsets();
+    const double leading = 16 + safe.left;
+    const double trailing = 16 + safe.right;
     Size left = leftButton_->intrinsicContentSize();
     Size right = rightButton_->intrinsicContentSize();
-    leftButton_->setFrame({margin, 0, left.width, size.height});
-    rightButton_->setFrame({size.width - margin - right.width, 0, right.width, size.height});
-    double side = std::max(left.width, right.width) + 2 * margin;
+    leftButton_->setFrame({leading, 0, left.width, size.height});
+    rightButton_->setFrame({size.width - trailing - right.width, 0, right.width, size.height});
+    double side = std::max(left.width + leading, right.width + trailing) + 16;
     titleLabel_->setFrame({side, 0, std::max(0.0, size.width - 2 * side), size.height});
 }
 

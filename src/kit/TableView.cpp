@@ -89,8 +89,13 @@ std::shared_ptr<TableViewCell> TableView::cellForRow(const IndexPath& p) const {
 }
 
 Rect TableView::rowArea() const {
-    double inset = style_ == TableViewStyle::insetGrouped ? kInset : 0;
-    return {inset, 0, std::max(0.0, bounds().size.width - 2 * inset), 0};
+    if (style_ != TableViewStyle::insetGrouped) {
+        return {0, 0, bounds().size.width, 0};
+    }
+    // Inset cards keep clear of what covers the sides (a landscape phone's notch).
+    const EdgeInsets safe = safeAreaInsets();
+    const double left = kInset + safe.left;
+    return {left, 0, std::max(0.0, bounds().size.width - left - kInset - safe.right), 0};
 }
 
 double TableView::measure(const IndexPath& p, TableViewCell& cell) {
@@ -124,12 +129,13 @@ void TableView::arrange(bool remeasure) {
             y += row.height;
         }
     }
-    measuredWidth_ = bounds().size.width;
+    measuredArea_ = area;
     setContentSize({bounds().size.width, y});
 }
 
 void TableView::layoutSubviews() {
-    if (bounds().size.width != measuredWidth_) {
+    // A new width, or new sides kept clear (the device turned), lays the rows out again.
+    if (rowArea() != measuredArea_) {
         arrange(true);
     }
 }

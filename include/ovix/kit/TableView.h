@@ -103,7 +103,7 @@ class TableView : public ScrollView {
     std::optional<IndexPath> selected_;
     double rowHeight_ = automaticDimension;
     TableViewCellSeparatorStyle separatorStyle_ = TableViewCellSeparatorStyle::singleLine;
-    double measuredWidth_ = -1;
+    Rect measuredArea_{{-1, -1}, {-1, -1}};  ///< the row area the rows were last laid out in
 };
 
 }  // namespace ovix::kit

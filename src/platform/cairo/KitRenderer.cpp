@@ -206,12 +206,14 @@ void KitRenderer::drawView(cairo_t* cr, const kit::View& view, const kit::View* 
         cairo_push_group(cr);
     }
     const kit::Rect bounds{{0, 0}, shown.bounds.size};
-    if (paint) {
-        drawContent(cr, view, shown, pass.time);
-    }
+    // Clipping masks the view's own content too: an aspect-filled picture stays inside its rounded
+    // frame.
     if (view.clipsToBounds()) {
         roundedRect(cr, bounds, view.layer().cornerRadius());
         cairo_clip(cr);
+    }
+    if (paint) {
+        drawContent(cr, view, shown, pass.time);
     }
     for (const auto& subview : view.subviews()) {
         drawView(cr, *subview, &view, pass);
@@ -366,7 +368,13 @@ void KitRenderer::drawLabel(cairo_t* cr, const kit::View& view) {
     // The kit sizes labels with its fixed metrics, which a short bold word ("Xong") can outgrow in the
     // real face; a line that misses by a little is narrowed to fit rather than cut to "Xo…".
     const double natural = label.numberOfLines() == 1 ? naturalWidth(layout) : 0;
-    if (natural > size.width && natural <= size.width * 1.3) {
+    if (natural > size.width * 1.3 && g_utf8_strlen(label.text().c_str(), -1) == 1) {
+        // One symbol ("✕") the face draws far wider than the kit's estimate: shown whole, centred on
+        // the label, as a label sized by the real face would show it.
+        pango_layout_set_width(layout, -1);
+        cairo_rel_move_to(cr, (size.width - natural) / 2, 0);
+        pango_cairo_show_layout(cr, layout);
+    } else if (natural > size.width && natural <= size.width * 1.3) {
         pango_layout_set_width(layout, -1);
         cairo_save(cr);
         cairo_scale(cr, size.width / natural, 1);

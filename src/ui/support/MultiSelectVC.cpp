@@ -35,6 +35,15 @@ void MultiSelectVC::viewDidLoad() {
     tableView_->reloadData();
 }
 
+void MultiSelectVC::viewWillAppear(bool animated) {
+    ViewController::viewWillAppear(animated);
+    // The table fills the view, under the bar; its content is inset by what covers it, as a system
+    // list's is, so the first row is not hidden and the list rests at its top.
+    const kit::EdgeInsets covered = tableView_->safeAreaInsets();
+    tableView_->setContentInset({covered.top, 0, covered.bottom, 0});
+    tableView_->setContentOffset({0, -covered.top});
+}
+
 int MultiSelectVC::numberOfRowsInSection(kit::TableView&, int) {
     return static_cast<int>(items.size());
 }

@@ -49,6 +49,8 @@ class MultiSelectVC : public kit::ViewController,
 
   protected:
     void viewDidLoad() override;
+    /// Starts the rows below the navigation bar, which lies over the top of the table.
+    void viewWillAppear(bool animated) override;
 
   private:
     std::shared_ptr<kit::TableView> tableView_;

@@ -29,14 +29,20 @@ std::string joined(const std::vector<std::string>& parts, std::string_view separ
     return out;
 }
 
-/// `["a", "b"]`, `[]` when empty: the list as the report line shows it.
+/// `["a", "b"]`, `[]` when empty: the list as the report line shows it. Built by appending: g++ 12
+/// at -O3 misreads `"[" + ... + "]"` here as an overlapping copy (GCC bug 105329).
 std::string listText(const std::vector<std::string>& entries) {
-    std::vector<std::string> quoted;
-    quoted.reserve(entries.size());
-    for (const auto& entry : entries) {
-        quoted.push_back('"' + entry + '"');
+    std::string out = "[";
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        if (i > 0) {
+            out += ", ";
+        }
+        out += '"';
+        out += entries[i];
+        out += '"';
     }
-    return "[" + joined(quoted, ", ") + "]";
+    out += ']';
+    return out;
 }
 
 /// The address inside an upload answer: the string "ImageUrl" of the object "Data".

@@ -83,10 +83,12 @@ void SupportReportView::setUpPage() {
     scrollView_->addSubview(content);
     auto& contentGuide = scrollView_->contentLayoutGuide();
     kit::LayoutConstraint::activate({
-        scrollView_->topAnchor().constraintEqualTo(topAnchor()),
+        // Between the status bar and the home indicator: the form is shown over the full screen, and
+        // a page shorter than the screen would otherwise put its title under the notch.
+        scrollView_->topAnchor().constraintEqualTo(safeAreaLayoutGuide().topAnchor()),
         scrollView_->leadingAnchor().constraintEqualTo(leadingAnchor()),
         scrollView_->trailingAnchor().constraintEqualTo(trailingAnchor()),
-        scrollView_->bottomAnchor().constraintEqualTo(bottomAnchor()),
+        scrollView_->bottomAnchor().constraintEqualTo(safeAreaLayoutGuide().bottomAnchor()),
         content->topAnchor().constraintEqualTo(contentGuide.topAnchor()),
         content->leadingAnchor().constraintEqualTo(contentGuide.leadingAnchor()),
         content->trailingAnchor().constraintEqualTo(contentGuide.trailingAnchor()),

@@ -17,9 +17,9 @@
 
 namespace ovix {
 
-/// The support form: a vertically scrolling white page holding one centred column (300 to 600 wide,
-/// 20 below the top) with the title, the error-type field, three text fields, the description, the
-/// attachment section and the send and close buttons.
+/// The support form: a vertically scrolling white page, kept between the safe area's top and bottom,
+/// holding one centred column (300 to 600 wide, 20 below the top) with the title, the error-type field, three
+/// text fields, the description, the attachment section and the send and close buttons.
 ///
 /// The view decides nothing: each user action goes to its owner through `onClose`, `onSendReport`
 /// and `onAttachTapped` (unset closures make the action a no-op). Owners that the closures refer back
