@@ -18,7 +18,7 @@ class GameWindowOverlay;
 /// content area at its scale, the sandbox store (Linux has no platform store), URLs opened with the
 /// desktop's default handler, foreground notifications through the process's GApplication
 /// ("unsupported" without one), and the SDK's resources found where the library was installed (or
-/// OVIX_SDK_DIR). Image picking is not provided yet and answers "unsupported".
+/// OVIX_SDK_DIR), and images picked in GTK's file chooser, modal over the game window.
 ///
 /// The one-call form for a game:
 ///

@@ -11,6 +11,7 @@
 #include "platform/desktop/GioNotificationCenter.h"
 #include "platform/desktop/InstalledResourceBundle.h"
 #include "platform/gtk/GlibMainQueue.h"
+#include "platform/gtk/GtkImagePicker.h"
 #include "platform/jpeg/JpegImageCodec.h"
 #include "platform/linux/LinuxDeviceFacts.h"
 #include "platform/linux/LinuxPushClient.h"
@@ -19,7 +20,6 @@
 #include "platform/posix/PosixTimeZone.h"
 #include "platform/posix/StdoutConsole.h"
 #include "platform/sqlite/SqliteKeyValueStore.h"
-#include "platform/unsupported/UnsupportedImagePicker.h"
 #include "platform/webkitgtk/WebKitGtkEngine.h"
 
 namespace ovix::desktop {
@@ -42,6 +42,24 @@ kit::Size contentSize(GtkWindow* window) {
     int height = 0;
     gtk_window_get_default_size(window, &width, &height);
     return {static_cast<double>(width > 0 ? width : 0), static_cast<double>(height > 0 ? height : 0)};
+}
+
+// The game window while it exists: the picker's dialog is modal over it, and the platform may
+// outlive the window.
+std::function<GtkWindow*()> windowWhileAlive(GtkWindow* window) {
+    auto ref = std::shared_ptr<GWeakRef>(new GWeakRef, [](GWeakRef* r) {
+        g_weak_ref_clear(r);
+        delete r;
+    });
+    g_weak_ref_init(ref.get(), window);
+    return [ref]() -> GtkWindow* {
+        GObject* alive = static_cast<GObject*>(g_weak_ref_get(ref.get()));
+        if (alive == nullptr) {
+            return nullptr;
+        }
+        g_object_unref(alive);  // GTK keeps the window while it is shown
+        return GTK_WINDOW(alive);
+    };
 }
 
 std::vector<std::filesystem::path> libraryResourceDirs() {
@@ -75,8 +93,9 @@ std::shared_ptr<platform::Platform> DesktopPlatform::create(GtkWindow* gameWindo
     });
     p->deviceFacts = facts;
     p->application = application;
-    p->imagePicker = std::make_shared<UnsupportedImagePicker>();
-    p->imageCodec = std::make_shared<PngImageCodec>(std::make_shared<JpegImageCodec>());
+    auto codec = std::make_shared<PngImageCodec>(std::make_shared<JpegImageCodec>());
+    p->imageCodec = codec;
+    p->imagePicker = std::make_shared<gtk::GtkImagePicker>(p->mainQueue, codec, windowWhileAlive(gameWindow));
     p->webEngine = std::make_shared<webkitgtk::WebKitGtkEngine>(p->console);
     p->timeZone = std::make_shared<PosixTimeZone>();
     return p;
