@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string_view>
 
@@ -14,12 +15,11 @@ namespace ovix::desktop {
 /// frame the game pumps the SDK's work, forwards its input, asks for the overlay's pixels and
 /// composites them over its scene.
 ///
-///     ovix::desktop::OverlaySurface overlay(window);   // the kit window the SDK shows its screens in
-///     overlay.resize(1280, 720, 1);
+///     auto overlay = ovix::desktop::DesktopPlatform::installSurface(1280, 720, 1);  // or your window
 ///     // each frame:
-///     overlay.pump();
-///     if (!overlay.pointerPress({x, y})) { /* the game's click */ }
-///     if (overlay.render(pixels, 1280, 720, 1280 * 4)) { /* upload pixels to the overlay texture */ }
+///     overlay->pump();
+///     if (!overlay->pointerPress({x, y})) { /* the game's click */ }
+///     if (overlay->render(pixels, 1280, 720, 1280 * 4)) { /* upload pixels to the overlay texture */ }
 ///     // draw the scene, then the overlay texture over it (straight alpha blending)
 ///
 /// Pixels: `render` writes RGBA bytes (R, G, B, A in memory order; straight, not premultiplied,
@@ -41,7 +41,10 @@ namespace ovix::desktop {
 /// without ever waiting. Ownership: the surface holds the window; the window is the SDK's.
 class OverlaySurface {
   public:
-    explicit OverlaySurface(std::shared_ptr<kit::Window> window);
+    /// Shows `window`. `onResize`, when given, hears each `resize` (size in points, scale) before the
+    /// window takes its new frame: the host's application moves its screen there.
+    explicit OverlaySurface(std::shared_ptr<kit::Window> window,
+                            std::function<void(kit::Size size, double scale)> onResize = {});
     ~OverlaySurface();
     OverlaySurface(const OverlaySurface&) = delete;
     OverlaySurface& operator=(const OverlaySurface&) = delete;

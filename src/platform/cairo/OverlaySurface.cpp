@@ -50,9 +50,11 @@ void copyStraightRgba(cairo_surface_t* surface, std::uint8_t* rgba, int width, i
 }  // namespace
 
 struct OverlaySurface::State {
-    explicit State(std::shared_ptr<kit::Window> w) : window(std::move(w)), input(window) {}
+    State(std::shared_ptr<kit::Window> w, std::function<void(kit::Size, double)> resized)
+        : window(std::move(w)), onResize(std::move(resized)), input(window) {}
 
     std::shared_ptr<kit::Window> window;
+    std::function<void(kit::Size, double)> onResize;
     OverlayInput input;
     platform::gtk::KitRenderer renderer;
     double scale = 1;
@@ -68,8 +70,9 @@ struct OverlaySurface::State {
     }
 };
 
-OverlaySurface::OverlaySurface(std::shared_ptr<kit::Window> window)
-    : state_(std::make_unique<State>(std::move(window))) {}
+OverlaySurface::OverlaySurface(std::shared_ptr<kit::Window> window,
+                               std::function<void(kit::Size size, double scale)> onResize)
+    : state_(std::make_unique<State>(std::move(window), std::move(onResize))) {}
 
 OverlaySurface::~OverlaySurface() = default;
 
@@ -86,8 +89,12 @@ bool OverlaySurface::pump(int maxDispatches) {
 }
 
 void OverlaySurface::resize(double width, double height, double scale) {
+    scale = scale > 0 ? scale : 1;
+    if (state_->onResize) {
+        state_->onResize({width, height}, scale);
+    }
     state_->window->setFrame({0, 0, width, height});
-    state_->scale = scale > 0 ? scale : 1;
+    state_->scale = scale;
     state_->needsDisplay = true;
 }
 
