@@ -15,7 +15,7 @@ namespace ovix::platform::gtk {
 
 std::uint64_t PresentationDigest::of(const kit::View& root, double time) {
     PresentationDigest digest(time);
-    digest.add(root);
+    digest.add(root, root.tintColor());
     return digest.hash_;
 }
 
@@ -57,7 +57,7 @@ void PresentationDigest::mix(const void* pointer) {
     mix(static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pointer)));
 }
 
-void PresentationDigest::add(const kit::View& view) {
+void PresentationDigest::add(const kit::View& view, const kit::Color& inherited) {
     mix(&view);
     const auto shown = view.presentation(time_);
     mix(static_cast<std::uint64_t>(view.isHidden()));
@@ -78,11 +78,13 @@ void PresentationDigest::add(const kit::View& view) {
     mix(layer.shadowOpacity());
     mix(layer.shadowRadius());
     mix(kit::Rect{{layer.shadowOffset().width, layer.shadowOffset().height}, {}});
-    mix(view.tintColor());
+    // Resolved top-down rather than by each view walking up to its ancestors.
+    const kit::Color tint = view.hasOwnTintColor() ? view.tintColor() : inherited;
+    mix(tint);
     addContent(view);
     mix(static_cast<std::uint64_t>(view.subviews().size()));
     for (const auto& subview : view.subviews()) {
-        add(*subview);
+        add(*subview, tint);
     }
 }
 

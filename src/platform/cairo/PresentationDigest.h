@@ -23,7 +23,8 @@ class PresentationDigest {
 
   private:
     explicit PresentationDigest(double time) : time_(time) {}
-    void add(const kit::View& view);
+    /// `tint` is the tint the view inherits (its own, if it has one, wins).
+    void add(const kit::View& view, const kit::Color& tint);
     void addContent(const kit::View& view);
     void mix(std::uint64_t value);
     void mix(double value);
