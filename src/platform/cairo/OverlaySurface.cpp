@@ -8,6 +8,7 @@
 #include <cstring>
 #include <optional>
 
+#include "kit/LayoutEngine.h"
 #include "ovix/platform/Platform.h"
 #include "platform/cairo/KitRenderer.h"
 #include "platform/cairo/PresentationDigest.h"
@@ -87,6 +88,8 @@ struct OverlaySurface::State {
     int drawnWidth = 0;
     int drawnHeight = 0;
     bool needsDisplay = true;
+    /// The kit's layout change count after this surface last laid the window out.
+    std::optional<std::uint64_t> laidOutAt;
 
     bool consumed(bool used) {
         needsDisplay = needsDisplay || used;
@@ -168,7 +171,12 @@ bool OverlaySurface::render(std::uint8_t* rgba, int width, int height, int strid
     if (rgba == nullptr || width <= 0 || height <= 0 || stride < width * 4) {
         return false;
     }
-    s.window->layoutIfNeeded();
+    // Every change that can move a view is counted by the kit; with none since the last pass, the
+    // pass would find nothing to do, and on a big tree even finding that costs more than the frame.
+    if (s.laidOutAt != kit::LayoutEngine::changeCount()) {
+        s.window->layoutIfNeeded();
+        s.laidOutAt = kit::LayoutEngine::changeCount();
+    }
     const double time = platform::current()->mainQueue->now();
     const std::uint64_t digest = platform::gtk::PresentationDigest::of(*s.window, time);
     const bool sameSize = width == s.drawnWidth && height == s.drawnHeight;

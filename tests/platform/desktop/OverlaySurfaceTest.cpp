@@ -76,7 +76,19 @@ TEST_F(OverlaySurfaceTest, AnIdleFrameDrawsNothingAndAChangeDrawsAgain) {
     };
     auto label = kit::Label::create("Lỗi");
     label->setFrame({10, 10, 100, 20});
+    // A view placed by constraints moves only when layout runs: the surface must run it.
+    auto pinned = kit::View::create();
+    pinned->setBackgroundColor(kit::Color::systemGreen());
+    pinned->setTranslatesAutoresizingMaskIntoConstraints(false);
+    window()->addSubview(pinned);
+    auto top = pinned->topAnchor().constraintEqualTo(window()->topAnchor(), 300);
+    kit::LayoutConstraint::activate({top,
+                                     pinned->leadingAnchor().constraintEqualTo(window()->leadingAnchor()),
+                                     pinned->widthAnchor().constraintEqualToConstant(40),
+                                     pinned->heightAnchor().constraintEqualToConstant(40)});
+    buffer.render(*surface);
     const Change changes[] = {
+        {"a constraint's constant", [&] { top->setConstant(320); }},
         {"a view added", [&] { window()->addSubview(label); }},
         {"its text", [&] { label->setText("Lỗi mạng"); }},
         {"its colour", [&] { label->setTextColor(kit::Color::systemRed()); }},
@@ -97,6 +109,7 @@ TEST_F(OverlaySurfaceTest, AnIdleFrameDrawsNothingAndAChangeDrawsAgain) {
         EXPECT_TRUE(buffer.render(*surface));
         EXPECT_FALSE(buffer.render(*surface)) << "and idle again";
     }
+    EXPECT_EQ(pinned->frame(), (kit::Rect{0, 320, 40, 40})) << "laid out by the surface, not the queue";
     surface->pointerRelease({200, 300});
     Buffer smaller(200, 200);
     EXPECT_TRUE(smaller.render(*surface)) << "another size is a new frame";
