@@ -1,5 +1,6 @@
 #include "ovix/kit/TextField.h"
 
+#include "kit/TextEditor.h"
 #include "kit/Utf8.h"
 #include "ovix/kit/TextMeasurer.h"
 
@@ -16,6 +17,12 @@ void TextField::setText(std::string text) {
         text_ = std::move(text);
         invalidateIntrinsicContentSize();
     }
+    selection_ = TextSelection::at(text_.size());
+}
+
+void TextField::setSelection(TextSelection selection) {
+    selection_ = {utf8::boundaryAtOrBefore(text_, selection.anchor),
+                  utf8::boundaryAtOrBefore(text_, selection.caret)};
 }
 
 void TextField::setPlaceholder(std::string placeholder) {
@@ -122,35 +129,55 @@ bool TextField::resignFirstResponder() {
     return true;
 }
 
+void TextField::replace(TextSelection range, std::string_view text) {
+    if (auto d = delegate(); d && !d->shouldChangeCharacters(*this, text)) {
+        return;
+    }
+    text_.replace(range.start(), range.end() - range.start(), text);
+    selection_ = TextSelection::at(range.start() + text.size());
+    invalidateIntrinsicContentSize();
+    sendActions(ControlEvent::editingChanged);
+}
+
+void TextField::returnKey() {
+    auto keep = self<TextField>();
+    auto d = delegate();
+    if (!d || d->textFieldShouldReturn(*this)) {
+        sendActions(ControlEvent::editingDidEndOnExit);
+        resignFirstResponder();
+    }
+}
+
 void TextField::insertText(std::string_view text) {
     if (!editing_) {
         return;
     }
     if (text == "\n") {
-        auto d = delegate();
-        if (!d || d->textFieldShouldReturn(*this)) {
-            sendActions(ControlEvent::editingDidEndOnExit);
-        }
+        returnKey();
         return;
     }
-    if (auto d = delegate(); d && !d->shouldChangeCharacters(*this, text)) {
-        return;
-    }
-    text_ += text;
-    invalidateIntrinsicContentSize();
-    sendActions(ControlEvent::editingChanged);
+    replace(selection_, text);
 }
 
 void TextField::deleteBackward() {
-    if (!editing_ || text_.empty()) {
-        return;
+    keyDown(Key::backspace, {});
+}
+
+bool TextField::keyDown(Key key, KeyModifiers modifiers) {
+    if (!editing_ || key == Key::tab || key == Key::escape) {
+        return false;
     }
-    if (auto d = delegate(); d && !d->shouldChangeCharacters(*this, "")) {
-        return;
+    const TextEditor editor(text_, false);
+    if (key == Key::enter) {
+        returnKey();
+    } else if (key == Key::backspace || key == Key::deleteForward) {
+        if (const auto range = editor.erased(selection_, key, modifiers); !range.isEmpty()) {
+            replace(range, "");
+        }
+    } else if (const auto moved = editor.moved(selection_, key, modifiers)) {
+        selection_ = *moved;
     }
-    utf8::popBack(text_);
-    invalidateIntrinsicContentSize();
-    sendActions(ControlEvent::editingChanged);
+    return true;
 }
 
 void TextField::touchesEnded(const Touch& touch) {

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "kit/TextEditor.h"
 #include "kit/Utf8.h"
 #include "ovix/kit/TextMeasurer.h"
 
@@ -22,6 +23,12 @@ void TextView::setText(std::string text) {
         text_ = std::move(text);
         invalidateIntrinsicContentSize();
     }
+    selection_ = TextSelection::at(text_.size());
+}
+
+void TextView::setSelection(TextSelection selection) {
+    selection_ = {utf8::boundaryAtOrBefore(text_, selection.anchor),
+                  utf8::boundaryAtOrBefore(text_, selection.caret)};
 }
 
 void TextView::setFont(Font font) {
@@ -90,7 +97,12 @@ bool TextView::resignFirstResponder() {
     return true;
 }
 
-void TextView::changed() {
+void TextView::replace(TextSelection range, std::string_view text) {
+    if (auto d = delegate(); d && !d->shouldChangeText(*this, text)) {
+        return;
+    }
+    text_.replace(range.start(), range.end() - range.start(), text);
+    selection_ = TextSelection::at(range.start() + text.size());
     invalidateIntrinsicContentSize();
     if (auto d = delegate()) {
         d->textViewDidChange(*this);
@@ -98,25 +110,30 @@ void TextView::changed() {
 }
 
 void TextView::insertText(std::string_view text) {
-    if (!editing_) {
-        return;
+    if (editing_) {
+        replace(selection_, text);
     }
-    if (auto d = delegate(); d && !d->shouldChangeText(*this, text)) {
-        return;
-    }
-    text_ += text;
-    changed();
 }
 
 void TextView::deleteBackward() {
-    if (!editing_ || text_.empty()) {
-        return;
+    keyDown(Key::backspace, {});
+}
+
+bool TextView::keyDown(Key key, KeyModifiers modifiers) {
+    if (!editing_ || key == Key::tab || key == Key::escape) {
+        return false;
     }
-    if (auto d = delegate(); d && !d->shouldChangeText(*this, "")) {
-        return;
+    const TextEditor editor(text_, true);
+    if (key == Key::enter) {
+        replace(selection_, "\n");
+    } else if (key == Key::backspace || key == Key::deleteForward) {
+        if (const auto range = editor.erased(selection_, key, modifiers); !range.isEmpty()) {
+            replace(range, "");
+        }
+    } else if (const auto moved = editor.moved(selection_, key, modifiers)) {
+        selection_ = *moved;
     }
-    utf8::popBack(text_);
-    changed();
+    return true;
 }
 
 void TextView::touchesEnded(const Touch& touch) {

@@ -273,6 +273,75 @@ void Window::insertText(std::string_view text) {
     }
 }
 
+std::shared_ptr<ViewController> Window::topPresentedController() const {
+    auto top = rootViewController_;
+    while (top && top->presentedViewController()) {
+        top = top->presentedViewController();
+    }
+    return top != rootViewController_ ? top : nullptr;
+}
+
+namespace {
+
+void collectTextInputs(const std::shared_ptr<View>& view, std::vector<std::shared_ptr<View>>& out) {
+    if (view->isHidden() || view->alpha() < 0.01 || !view->isUserInteractionEnabled()) {
+        return;
+    }
+    if (view->canBecomeFirstResponder()) {
+        out.push_back(view);
+    }
+    for (const auto& subview : view->subviews()) {
+        collectTextInputs(subview, out);
+    }
+}
+
+bool isSheet(ModalPresentationStyle style) {
+    return style == ModalPresentationStyle::formSheet || style == ModalPresentationStyle::pageSheet ||
+           style == ModalPresentationStyle::automatic;
+}
+
+}  // namespace
+
+bool Window::focusNextTextInput(bool backwards) {
+    const auto presented = topPresentedController();
+    std::vector<std::shared_ptr<View>> inputs;
+    collectTextInputs(presented ? presented->view() : self<View>(), inputs);
+    if (inputs.empty()) {
+        return false;
+    }
+    const auto responder = firstResponder();
+    const auto count = static_cast<std::ptrdiff_t>(inputs.size());
+    std::ptrdiff_t index = std::find(inputs.begin(), inputs.end(), responder) - inputs.begin();
+    if (index == count) {
+        index = backwards ? 0 : -1;  // from outside the list: the first (or last) input
+    }
+    for (std::ptrdiff_t step = 1; step <= count; ++step) {
+        const auto& next =
+            inputs[static_cast<std::size_t>(((index + (backwards ? -step : step)) % count + count) % count)];
+        if (next == responder || next->becomeFirstResponder()) {
+            return true;
+        }
+    }
+    return true;
+}
+
+bool Window::keyDown(Key key, KeyModifiers modifiers) {
+    auto responder = firstResponder();
+    if (responder && responder->keyDown(key, modifiers)) {
+        return true;
+    }
+    if (key == Key::tab && responder) {
+        return focusNextTextInput(modifiers.shift);
+    }
+    if (key == Key::escape) {
+        if (auto top = topPresentedController(); top && isSheet(top->modalPresentationStyle())) {
+            top->dismiss(true);
+            return true;
+        }
+    }
+    return false;
+}
+
 void Window::deleteBackward() {
     if (auto responder = firstResponder()) {
         responder->deleteBackward();

@@ -179,7 +179,8 @@ TEST_F(Input, FocusMovesBetweenFieldsAndTextGoesToTheFocusedOne) {
     window()->insertText("S1");
     EXPECT_EQ(server->text(), "S1");
     EXPECT_EQ(recorder->calls,
-              (std::vector<std::string>{"should", "begin Tiêu đề", "should", "end Tiêu đề", "begin Server"}));
+              (std::vector<std::string>{"should", "begin Tiêu đề", "end Tiêu đề", "should", "begin Server"}))
+        << "return ends editing";
     EXPECT_EQ(events,
               (std::vector<std::string>{"did-begin", "changed", "changed", "changed", "changed", "did-end"}));
 

@@ -8,6 +8,7 @@
 #include "ovix/kit/Font.h"
 #include "ovix/kit/Label.h"
 #include "ovix/kit/TextFieldDelegate.h"
+#include "ovix/kit/TextSelection.h"
 
 namespace ovix::kit {
 
@@ -18,18 +19,27 @@ enum class TextBorderStyle { none, line, bezel, roundedRect };
 ///
 /// A tap (touch-up inside) asks for focus: the delegate's `textFieldShouldBeginEditing` may refuse;
 /// otherwise the field becomes the window's first responder, calls `textFieldDidBeginEditing` and
-/// sends `editingDidBegin`. Text typed into the window is appended (`editingChanged`), the return
-/// key ("\n") asks `textFieldShouldReturn` and is not inserted; `deleteBackward` removes the last
-/// character. Losing focus calls `textFieldDidEndEditing` and sends `editingDidEnd`. The left view
-/// sits at the left edge, vertically centred, in the modes that show it; text starts after it.
+/// sends `editingDidBegin`. Text typed into the window replaces the selection, or goes in at the
+/// caret (`editingChanged`); the delegate's `shouldChangeCharacters` may refuse any change. The
+/// return key ("\n" or `Key::enter`) asks `textFieldShouldReturn` and is not inserted: when the
+/// delegate agrees (or there is none) the field sends `editingDidEndOnExit` and ends editing.
+/// Backspace (`deleteBackward`) and Delete remove the selection or one character beside the caret;
+/// the arrows, Home and End move the caret (see `TextEditor`), with shift they select. Tab and
+/// Escape are left to the window. Losing focus calls `textFieldDidEndEditing` and sends
+/// `editingDidEnd`. The left view sits at the left edge, vertically centred, in the modes that show
+/// it; text starts after it.
 class TextField : public Control {
   public:
     static std::shared_ptr<TextField> create(Rect frame = {});
     explicit TextField(Rect frame = {});
 
     const std::string& text() const { return text_; }
-    /// Setting the text sends no events.
+    /// Setting the text sends no events and puts the caret at its end.
     void setText(std::string text);
+    /// The caret or selection, byte offsets into `text()`.
+    TextSelection selection() const { return selection_; }
+    /// Clamped to the text, each end moved back onto a character boundary.
+    void setSelection(TextSelection selection);
     const std::string& placeholder() const { return placeholder_; }
     void setPlaceholder(std::string placeholder);
     const Font& font() const { return font_; }
@@ -61,6 +71,7 @@ class TextField : public Control {
     bool resignFirstResponder() override;
     void insertText(std::string_view text) override;
     void deleteBackward() override;
+    bool keyDown(Key key, KeyModifiers modifiers) override;
     void touchesEnded(const Touch& touch) override;
 
     Size intrinsicContentSize() const override;
@@ -68,7 +79,12 @@ class TextField : public Control {
     std::string className() const override { return "TextField"; }
 
   private:
+    /// Puts `text` in place of `range` if the delegate agrees; the caret after it.
+    void replace(TextSelection range, std::string_view text);
+    void returnKey();
+
     std::string text_;
+    TextSelection selection_;
     std::string placeholder_;
     Font font_ = Font::systemFont(17);
     Color textColor_ = Color::label();

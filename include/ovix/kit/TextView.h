@@ -7,6 +7,7 @@
 #include "ovix/kit/Font.h"
 #include "ovix/kit/Label.h"
 #include "ovix/kit/ScrollView.h"
+#include "ovix/kit/TextSelection.h"
 #include "ovix/kit/TextViewDelegate.h"
 
 namespace ovix::kit {
@@ -14,8 +15,11 @@ namespace ovix::kit {
 /// Multi-line editable text.
 ///
 /// A tap focuses it (the delegate may refuse), calling `textViewDidBeginEditing`; typed text and
-/// line feeds are appended, `deleteBackward` removes the last character, each change calls
-/// `textViewDidChange`; losing focus calls `textViewDidEndEditing`. With scrolling off, its
+/// line feeds (Enter too) replace the selection or go in at the caret; Backspace (`deleteBackward`)
+/// and Delete remove the selection or one character beside the caret; the arrows, Home and End move
+/// the caret by characters and lines (see `TextEditor`), with shift they select. The delegate's
+/// `shouldChangeText` may refuse a change; each change calls `textViewDidChange`. Tab and Escape are
+/// left to the window. Losing focus calls `textViewDidEndEditing`. With scrolling off, its
 /// intrinsic height is its wrapped text (at least one line) plus `textContainerInset`, so it grows
 /// with its text in a constraint layout.
 class TextView : public ScrollView {
@@ -27,7 +31,12 @@ class TextView : public ScrollView {
     explicit TextView(Rect frame = {});
 
     const std::string& text() const { return text_; }
+    /// Puts the caret at the end of the new text.
     void setText(std::string text);
+    /// The caret or selection, byte offsets into `text()`.
+    TextSelection selection() const { return selection_; }
+    /// Clamped to the text, each end moved back onto a character boundary.
+    void setSelection(TextSelection selection);
     Color textColor() const { return textColor_; }
     void setTextColor(Color color) { textColor_ = color; }
     const Font& font() const { return font_; }
@@ -49,6 +58,7 @@ class TextView : public ScrollView {
     bool resignFirstResponder() override;
     void insertText(std::string_view text) override;
     void deleteBackward() override;
+    bool keyDown(Key key, KeyModifiers modifiers) override;
     void touchesEnded(const Touch& touch) override;
 
     Size intrinsicContentSize() const override { return intrinsicContentSizeForWidth(bounds().size.width); }
@@ -59,9 +69,10 @@ class TextView : public ScrollView {
     void boundsSizeDidChange(Size oldSize) override;
 
   private:
-    void changed();
+    void replace(TextSelection range, std::string_view text);
 
     std::string text_;
+    TextSelection selection_;
     Color textColor_ = Color::label();
     Font font_ = Font::systemFont(12);
     TextAlignment alignment_ = TextAlignment::natural;

@@ -11,6 +11,7 @@
 #include "ovix/kit/Animation.h"
 #include "ovix/kit/Color.h"
 #include "ovix/kit/Geometry.h"
+#include "ovix/kit/Key.h"
 #include "ovix/kit/Layer.h"
 #include "ovix/kit/LayoutConstraint.h"
 #include "ovix/kit/LayoutGuide.h"
@@ -259,6 +260,13 @@ class View : public LayoutItem {
     /// Text input from the keyboard, routed by the window to its first responder.
     virtual void insertText(std::string_view text) { (void)text; }
     virtual void deleteBackward() {}
+    /// An editing or navigation key, routed by the window to its first responder; true when the view
+    /// used it (the host then keeps it from the game).
+    virtual bool keyDown(Key key, KeyModifiers modifiers) {
+        (void)key;
+        (void)modifiers;
+        return false;
+    }
 
     // --- Animation ---
     static void animate(double duration, std::function<void()> changes,

@@ -59,6 +59,11 @@ class Window : public View {
     /// Typed text for the first responder; ignored without one.
     void insertText(std::string_view text) override;
     void deleteBackward() override;
+    /// A key for the first responder. What it leaves: Tab (shift: backwards) moves focus from it to
+    /// the next view that can take text, in tree order, wrapping, within the topmost presented
+    /// controller's view (else the window); Escape dismisses the topmost presented controller when it
+    /// is a sheet (form or page sheet). True when something used the key.
+    bool keyDown(Key key, KeyModifiers modifiers = {}) override;
 
     std::string className() const override { return "Window"; }
 
@@ -69,6 +74,9 @@ class Window : public View {
 
     static void track(const std::shared_ptr<Window>& window);
     bool setFirstResponder(std::shared_ptr<View> responder);
+    /// The controller on top of the root's presentations; null when the root presents nothing.
+    std::shared_ptr<ViewController> topPresentedController() const;
+    bool focusNextTextInput(bool backwards);
     void scheduleLayout();
 
     std::weak_ptr<WindowScene> scene_;

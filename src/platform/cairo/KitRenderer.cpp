@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string>
 
+#include "kit/Utf8.h"
 #include "ovix/kit/ImageView.h"
 #include "ovix/kit/Label.h"
 #include "ovix/kit/ProgressView.h"
@@ -89,15 +90,56 @@ double naturalWidth(PangoLayout* layout) {
     return width;
 }
 
-/// The insertion point after the last character, drawn at `origin` (the layout's top left).
-void drawCaret(cairo_t* cr, PangoLayout* layout, kit::Point origin, const kit::Color& tint) {
+/// The insertion point at byte `index` of the layout's text, drawn at `origin` (the layout's top
+/// left).
+void drawCaret(cairo_t* cr, PangoLayout* layout, kit::Point origin, std::size_t index,
+               const kit::Color& tint) {
     PangoRectangle strong;
-    pango_layout_get_cursor_pos(layout, static_cast<int>(std::strlen(pango_layout_get_text(layout))), &strong,
-                                nullptr);
+    pango_layout_get_cursor_pos(layout, static_cast<int>(index), &strong, nullptr);
     cairo_rectangle(cr, origin.x + pango_units_to_double(strong.x),
                     origin.y + pango_units_to_double(strong.y), 2, pango_units_to_double(strong.height));
     setColor(cr, tint);
     cairo_fill(cr);
+}
+
+/// The highlight behind bytes [start, end) of the layout's text, line by line.
+void drawHighlight(cairo_t* cr, PangoLayout* layout, kit::Point origin, std::size_t start, std::size_t end,
+                   const kit::Color& tint) {
+    PangoLayoutIter* iter = pango_layout_get_iter(layout);
+    do {
+        PangoLayoutLine* line = pango_layout_iter_get_line_readonly(iter);
+        int top = 0;
+        int bottom = 0;
+        pango_layout_iter_get_line_yrange(iter, &top, &bottom);
+        int* ranges = nullptr;
+        int count = 0;
+        pango_layout_line_get_x_ranges(line, static_cast<int>(start), static_cast<int>(end), &ranges, &count);
+        for (int i = 0; i < count; ++i) {
+            cairo_rectangle(cr, origin.x + pango_units_to_double(ranges[2 * i]),
+                            origin.y + pango_units_to_double(top),
+                            pango_units_to_double(ranges[2 * i + 1] - ranges[2 * i]),
+                            pango_units_to_double(bottom - top));
+        }
+        g_free(ranges);
+    } while (pango_layout_iter_next_line(iter));
+    pango_layout_iter_free(iter);
+    setColor(cr, tint, 0.3);
+    cairo_fill(cr);
+}
+
+/// The caret, or the selection's highlight, of a focused text; offsets into the layout's text.
+void drawSelection(cairo_t* cr, PangoLayout* layout, kit::Point origin, std::size_t start, std::size_t caret,
+                   std::size_t end, const kit::Color& tint) {
+    if (start == end) {
+        drawCaret(cr, layout, origin, caret, tint);
+    } else {
+        drawHighlight(cr, layout, origin, start, end, tint);
+    }
+}
+
+/// Where byte `offset` of `text` falls in its bullets (three bytes each).
+std::size_t bulletOffset(const std::string& text, std::size_t offset) {
+    return 3 * kit::utf8::countCodePoints(std::string_view(text).substr(0, offset));
 }
 
 /// One bullet per character: what a secure field shows.
@@ -354,25 +396,63 @@ void KitRenderer::drawTextField(cairo_t* cr, const kit::TextField& field) {
         cairo_stroke(cr);
     }
     const bool empty = field.text().empty();
+    const bool secure = field.isSecureTextEntry() && !empty;
     const kit::Rect area = field.textRect();
     const std::string& shown = empty ? field.placeholder() : field.text();
-    PangoLayout* layout = textLayout(cr, field.isSecureTextEntry() && !empty ? bullets(shown) : shown,
-                                     field.font(), area.size.width, 1, field.textAlignment());
+    PangoLayout* layout = textLayout(cr, secure ? bullets(shown) : shown, field.font(), area.size.width, 1,
+                                     field.textAlignment());
     // Height of a line even when empty, so the caret sits where the text will.
-    const kit::Point origin{area.origin.x,
-                            area.origin.y + (area.size.height - field.font().lineHeight()) / 2};
+    kit::Point origin{area.origin.x, area.origin.y + (area.size.height - field.font().lineHeight()) / 2};
+    const bool caret = field.isEditing() && field.tintColor().a() > 0;
+    cairo_save(cr);
+    if (field.isEditing() && !empty) {
+        origin.x += editingShift(layout, field, area.size.width, secure);
+        cairo_rectangle(cr, area.origin.x, area.origin.y, area.size.width, area.size.height);
+        cairo_clip(cr);
+    }
     if (!shown.empty()) {
         cairo_move_to(cr, origin.x, origin.y);
         setColor(cr, empty ? kit::Color::placeholderText() : field.textColor());
         pango_cairo_show_layout(cr, layout);
     }
-    if (field.isEditing() && field.tintColor().a() > 0) {
+    if (caret) {
         if (empty) {
             pango_layout_set_text(layout, "", -1);
         }
-        drawCaret(cr, layout, origin, field.tintColor());
+        auto selection = field.selection();
+        auto map = [&](std::size_t offset) {
+            return empty ? 0 : secure ? bulletOffset(shown, offset) : offset;
+        };
+        drawSelection(cr, layout, origin, map(selection.start()), map(selection.caret), map(selection.end()),
+                      field.tintColor());
     }
+    cairo_restore(cr);
     g_object_unref(layout);
+}
+
+double KitRenderer::editingShift(PangoLayout* layout, const kit::TextField& field, double width,
+                                 bool secure) {
+    // While editing the text is one unbroken line that slides left to keep the caret in view.
+    pango_layout_set_width(layout, -1);
+    pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_NONE);
+    int natural = 0;
+    int height = 0;
+    pango_layout_get_pixel_size(layout, &natural, &height);
+    if (natural <= width) {
+        switch (field.textAlignment()) {
+            case kit::TextAlignment::center:
+                return (width - natural) / 2;
+            case kit::TextAlignment::right:
+                return width - natural;
+            default:
+                return 0;
+        }
+    }
+    const std::size_t caret = field.selection().caret;
+    PangoRectangle strong;
+    pango_layout_get_cursor_pos(layout, static_cast<int>(secure ? bulletOffset(field.text(), caret) : caret),
+                                &strong, nullptr);
+    return std::min(0.0, width - 2 - pango_units_to_double(strong.x));
 }
 
 void KitRenderer::drawTextView(cairo_t* cr, const kit::TextView& view, kit::Point offset) {
@@ -393,7 +473,9 @@ void KitRenderer::drawTextView(cairo_t* cr, const kit::TextView& view, kit::Poin
     setColor(cr, view.textColor());
     pango_cairo_show_layout(cr, layout);
     if (view.isEditing() && view.tintColor().a() > 0) {
-        drawCaret(cr, layout, origin, view.tintColor());
+        const auto selection = view.selection();
+        drawSelection(cr, layout, origin, selection.start(), selection.caret, selection.end(),
+                      view.tintColor());
     }
     cairo_restore(cr);
     g_object_unref(layout);

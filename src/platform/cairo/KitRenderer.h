@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cairo.h>
+#include <pango/pangocairo.h>
 
 #include <filesystem>
 #include <map>
@@ -19,8 +20,9 @@ namespace ovix::platform::gtk {
 /// (animations interpolated): backgrounds with rounded corners, borders and shadows, alpha and
 /// clipping, bundle and pixel images (bundle files in the variant for the output's scale), system
 /// symbols (our own drawings), labels (so button, bar and cell titles too), text fields with their
-/// placeholder and caret, text views, table cell accessories and progress bars. Scroll views show
-/// their content at the content offset, clipped.
+/// placeholder, text views, the caret or selection highlight of the focused text, table cell
+/// accessories and progress bars. Scroll views show their content at the content offset, clipped.
+/// The caret does not blink: a frame changes only when the tree does.
 ///
 /// Views that an engine draws itself (a web view) are not painted: the tree is split into what lies
 /// under the first such view (`Layer::below`) and what lies over it (`Layer::above`), so a host can
@@ -51,6 +53,8 @@ class KitRenderer {
     void drawImage(cairo_t* cr, const kit::View& view, double time);
     void drawLabel(cairo_t* cr, const kit::View& view);
     void drawTextField(cairo_t* cr, const kit::TextField& field);
+    /// How far a focused field's text moves sideways: its alignment when it fits, else to the caret.
+    static double editingShift(PangoLayout* layout, const kit::TextField& field, double width, bool secure);
     void drawTextView(cairo_t* cr, const kit::TextView& view, kit::Point offset);
     void drawAccessory(cairo_t* cr, const kit::TableViewCell& cell, const kit::Rect& bounds);
     void drawProgress(cairo_t* cr, const kit::View& view, const kit::Rect& bounds, double time);

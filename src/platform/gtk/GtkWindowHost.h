@@ -5,10 +5,10 @@
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "ovix/kit/Window.h"
 #include "platform/cairo/KitRenderer.h"
+#include "platform/gtk/EmbeddedViewPlacer.h"
 
 namespace ovix::platform::gtk {
 
@@ -35,11 +35,6 @@ class GtkWindowHost {
     bool writeSnapshot(const std::filesystem::path& path) const;
 
   private:
-    struct Placed {
-        GtkWidget* widget;
-        std::weak_ptr<kit::View> view;
-    };
-
     static gboolean onTick(GtkWidget* widget, GdkFrameClock* clock, gpointer self);
     static void onDraw(GtkDrawingArea* area, cairo_t* cr, int width, int height, gpointer self);
     static void onPressed(GtkGestureClick* gesture, int presses, double x, double y, gpointer self);
@@ -54,7 +49,7 @@ class GtkWindowHost {
     GtkWidget* above_;
     guint tick_ = 0;
     bool touching_ = false;
-    std::vector<Placed> placed_;
+    std::unique_ptr<EmbeddedViewPlacer> placer_;
     KitRenderer renderer_;
 };
 

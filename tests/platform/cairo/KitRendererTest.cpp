@@ -176,6 +176,49 @@ TEST_F(KitRendering, TextFieldShowsPlaceholderOnlyWhenEmptyAndCaretOnlyInAVisibl
     }
 }
 
+// The caret stands at the selection's moving end, a selection is a faint highlight instead, and a
+// text longer than the field slides so that the caret stays inside it.
+TEST_F(KitRendering, TheFocusedFieldShowsItsCaretWhereTheSelectionIs) {
+    struct Case {
+        const char* name;
+        std::string text;
+        kit::TextSelection selection;
+        Rect caretArea;      // where the caret's blue is, if anywhere
+        Rect highlightArea;  // where the highlight is, if anywhere
+    };
+    const std::string longText = "Không kết nối được máy chủ, vui lòng thử lại sau ít phút";
+    const Case cases[] = {
+        {"caret at the start", "Lỗi mạng", kit::TextSelection::at(0), {0, 0, 4, 44}, {}},
+        {"caret after Lỗi", "Lỗi mạng", kit::TextSelection::at(5), {8, 0, 22, 44}, {}},
+        {"Lỗi selected", "Lỗi mạng", {0, 5}, {}, {0, 0, 18, 44}},
+        {"long text, caret at its end",
+         longText,
+         kit::TextSelection::at(longText.size()),
+         {190, 0, 10, 44},
+         {}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        auto field = kit::TextField::create(Rect{0, 0, 200, 44});
+        field->setText(c.text);
+        field->setTextColor(Color::systemRed());
+        field->setTintColor(Color::systemBlue());
+        window()->addSubview(field);
+        ASSERT_TRUE(field->becomeFirstResponder());
+        field->setSelection(c.selection);
+        Canvas canvas(*field);
+        const Rect all{0, 0, 200, 44};
+        EXPECT_EQ(canvas.count('b', all) > 20, !c.caretArea.isEmpty());
+        EXPECT_EQ(canvas.count('b', c.caretArea, true), 0) << "no caret elsewhere";
+        if (!c.highlightArea.isEmpty()) {
+            const int behind = canvas.count('?', c.highlightArea);
+            EXPECT_GT(behind, 0.3 * 18 * 20 * 9) << "a highlight behind Lỗi";
+            EXPECT_GT(behind, 3 * canvas.count('?', {30, 0, 18, 44})) << "only edges of ink behind mạng";
+        }
+        field->removeFromSuperview();
+    }
+}
+
 TEST_F(KitRendering, CheckmarkAccessoryOnlyOnCheckedRows) {
     for (bool checked : {true, false}) {
         SCOPED_TRACE(checked);
