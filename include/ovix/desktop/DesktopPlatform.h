@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "ovix/desktop/OverlaySurface.h"
 #include "ovix/platform/Platform.h"
 
 // GTK's own declaration, repeated so that this header needs no GTK include path.
@@ -47,6 +48,18 @@ class DesktopPlatform {
     static std::shared_ptr<GameWindowOverlay> install(GtkWindow* gameWindow, const Options& options);
     static std::shared_ptr<GameWindowOverlay> install(GtkWindow* gameWindow) {
         return install(gameWindow, {});
+    }
+
+    /// For a game with its own loop and no GTK window (SDL, GLFW, an engine): the same services for a
+    /// drawing area of `width` x `height` points at `scale` pixels per point, except web pages, which
+    /// need a GTK window and answer "unsupported". Installs the platform and returns the surface that
+    /// draws the SDK's window for the game (see `OverlaySurface`); its `resize` keeps the screen, the
+    /// window and the orientation in step with the game's area. GTK need not be initialised; the
+    /// calling thread becomes the SDK's main thread, and `OverlaySurface::pump` runs its work.
+    static std::unique_ptr<OverlaySurface> installSurface(double width, double height, double scale,
+                                                          const Options& options);
+    static std::unique_ptr<OverlaySurface> installSurface(double width, double height, double scale) {
+        return installSurface(width, height, scale, {});
     }
 };
 

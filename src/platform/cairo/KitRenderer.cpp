@@ -290,6 +290,29 @@ const std::filesystem::path& KitRenderer::variantFor(const kit::Image& image, do
     return it->second;
 }
 
+cairo_surface_t* KitRenderer::scaledFor(const std::filesystem::path& path, cairo_surface_t* source, int width,
+                                        int height) {
+    if (cairo_image_surface_get_width(source) == width && cairo_image_surface_get_height(source) == height) {
+        return source;
+    }
+    if (scaled_.size() > 256) {
+        scaled_.clear();  // sizes that come and go (an image view being resized) do not pile up
+    }
+    auto& slot = scaled_[path.string() + "|" + std::to_string(width) + "x" + std::to_string(height)];
+    if (!slot) {
+        cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
+        cairo_t* cr = cairo_create(surface);
+        cairo_scale(cr, static_cast<double>(width) / cairo_image_surface_get_width(source),
+                    static_cast<double>(height) / cairo_image_surface_get_height(source));
+        cairo_set_source_surface(cr, source, 0, 0);
+        cairo_pattern_set_filter(cairo_get_source(cr), CAIRO_FILTER_GOOD);
+        cairo_paint(cr);
+        cairo_destroy(cr);
+        slot = std::shared_ptr<cairo_surface_t>(surface, cairo_surface_destroy);
+    }
+    return slot.get();
+}
+
 cairo_surface_t* KitRenderer::pixelSurface(const platform::RgbaImage& pixels) {
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, pixels.width, pixels.height);
     unsigned char* data = cairo_image_surface_get_data(surface);
@@ -327,7 +350,16 @@ void KitRenderer::drawImage(cairo_t* cr, const kit::View& view, double) {
         // screen takes the @3x file), whatever variant the image was created from.
         double dx = 1, dy = 0;
         cairo_user_to_device_distance(cr, &dx, &dy);
-        surface = surfaceFor(image->name().empty() ? *image->path() : variantFor(*image, std::hypot(dx, dy)));
+        const double scale = std::hypot(dx, dy);
+        const auto& file = image->name().empty() ? *image->path() : variantFor(*image, scale);
+        surface = surfaceFor(file);
+        // Filtering a large file down to a small rectangle every frame is most of a frame's cost:
+        // the file is scaled once per drawn size and kept.
+        const int deviceWidth = static_cast<int>(std::lround(target.size.width * scale));
+        const int deviceHeight = static_cast<int>(std::lround(target.size.height * scale));
+        if (surface != nullptr && deviceWidth > 0 && deviceHeight > 0) {
+            surface = scaledFor(file, surface, deviceWidth, deviceHeight);
+        }
     } else if (const auto* pixels = image->pixels()) {
         owned.reset(pixelSurface(*pixels), cairo_surface_destroy);
         surface = owned.get();

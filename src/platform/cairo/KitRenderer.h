@@ -59,12 +59,16 @@ class KitRenderer {
     void drawAccessory(cairo_t* cr, const kit::TableViewCell& cell, const kit::Rect& bounds);
     void drawProgress(cairo_t* cr, const kit::View& view, const kit::Rect& bounds, double time);
     cairo_surface_t* surfaceFor(const std::filesystem::path& path);
+    /// `source` (the file at `path`) resampled to `width` x `height` pixels, made once and kept.
+    cairo_surface_t* scaledFor(const std::filesystem::path& path, cairo_surface_t* source, int width,
+                               int height);
     /// The file of a bundle image's variant nearest `scale` pixels per point.
     const std::filesystem::path& variantFor(const kit::Image& image, double scale);
     static cairo_surface_t* pixelSurface(const platform::RgbaImage& pixels);
 
     std::map<std::string, std::shared_ptr<cairo_surface_t>> images_;
     std::map<std::string, std::filesystem::path> variants_;
+    std::map<std::string, std::shared_ptr<cairo_surface_t>> scaled_;
 };
 
 }  // namespace ovix::platform::gtk

@@ -1,6 +1,7 @@
 #include "ovix/desktop/DesktopPlatform.h"
 
 #include "ovix/desktop/GameWindowOverlay.h"
+#include "ovix/desktop/OverlaySurface.h"
 
 #include <gtk/gtk.h>
 
@@ -20,6 +21,8 @@
 #include "platform/posix/PosixTimeZone.h"
 #include "platform/posix/StdoutConsole.h"
 #include "platform/sqlite/SqliteKeyValueStore.h"
+#include "platform/unsupported/UnsupportedImagePicker.h"
+#include "platform/unsupported/UnsupportedWebEngine.h"
 #include "platform/webkitgtk/WebKitGtkEngine.h"
 
 namespace ovix::desktop {
@@ -66,9 +69,10 @@ std::vector<std::filesystem::path> libraryResourceDirs() {
     return {OVIX_INSTALLED_RESOURCES, OVIX_SOURCE_RESOURCES};
 }
 
-}  // namespace
-
-std::shared_ptr<platform::Platform> DesktopPlatform::create(GtkWindow* gameWindow, const Options& options) {
+/// Every service, for a game area of `size` points at `scale`; pages and the image picker only for a
+/// game with a GTK window (`gameWindow` not null).
+std::shared_ptr<platform::Platform> assemble(const DesktopPlatform::Options& options, kit::Size size,
+                                             double scale, GtkWindow* gameWindow) {
     using namespace platform;
     auto p = std::make_shared<Platform>();
     p->environment = options.environment;
@@ -84,8 +88,8 @@ std::shared_ptr<platform::Platform> DesktopPlatform::create(GtkWindow* gameWindo
     // Linux has no platform store: the sandbox store, from the catalog file the developer named.
     p->store = SandboxStore::createConfigured(p->resources->mainBundle(), *p->console);
     p->crypto = std::make_shared<OpenSslCrypto>();
-    auto application = std::make_shared<ovix::platform::desktop::GameWindowApplication>(
-        contentSize(gameWindow), gtk_widget_get_scale_factor(GTK_WIDGET(gameWindow)), p->console);
+    auto application =
+        std::make_shared<ovix::platform::desktop::GameWindowApplication>(size, scale, p->console);
     auto facts = std::make_shared<LinuxDeviceFacts>(std::make_shared<OpenSslCrypto>());
     facts->setScreenSource([weak = std::weak_ptr(application)] {
         auto app = weak.lock();
@@ -95,15 +99,46 @@ std::shared_ptr<platform::Platform> DesktopPlatform::create(GtkWindow* gameWindo
     p->application = application;
     auto codec = std::make_shared<PngImageCodec>(std::make_shared<JpegImageCodec>());
     p->imageCodec = codec;
-    p->imagePicker = std::make_shared<gtk::GtkImagePicker>(p->mainQueue, codec, windowWhileAlive(gameWindow));
-    p->webEngine = std::make_shared<webkitgtk::WebKitGtkEngine>(p->console);
+    // Pages and the file chooser need GTK and a window to sit over; a game without one has neither.
+    if (gameWindow != nullptr) {
+        p->imagePicker =
+            std::make_shared<gtk::GtkImagePicker>(p->mainQueue, codec, windowWhileAlive(gameWindow));
+        p->webEngine = std::make_shared<webkitgtk::WebKitGtkEngine>(p->console);
+    } else {
+        p->imagePicker = std::make_shared<UnsupportedImagePicker>();
+        p->webEngine = std::make_shared<UnsupportedWebEngine>();
+    }
     p->timeZone = std::make_shared<PosixTimeZone>();
     return p;
+}
+
+}  // namespace
+
+std::shared_ptr<platform::Platform> DesktopPlatform::create(GtkWindow* gameWindow, const Options& options) {
+    return assemble(options, contentSize(gameWindow), gtk_widget_get_scale_factor(GTK_WIDGET(gameWindow)),
+                    gameWindow);
 }
 
 std::shared_ptr<GameWindowOverlay> DesktopPlatform::install(GtkWindow* gameWindow, const Options& options) {
     platform::install(create(gameWindow, options));
     return GameWindowOverlay::attach(gameWindow);
+}
+
+std::unique_ptr<OverlaySurface> DesktopPlatform::installSurface(double width, double height, double scale,
+                                                                const Options& options) {
+    auto p = assemble(options, {width, height}, scale, nullptr);
+    platform::install(p);
+    auto application =
+        std::static_pointer_cast<ovix::platform::desktop::GameWindowApplication>(p->application);
+    std::weak_ptr<ovix::platform::desktop::GameWindowApplication> weak = application;
+    auto surface =
+        std::make_unique<OverlaySurface>(application->window(), [weak](kit::Size size, double scale) {
+            if (auto app = weak.lock()) {
+                app->resize(size, scale);
+            }
+        });
+    surface->resize(width, height, scale);
+    return surface;
 }
 
 }  // namespace ovix::desktop
