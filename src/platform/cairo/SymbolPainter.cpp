@@ -171,6 +171,11 @@ bool SymbolPainter::paint(cairo_t* cr, std::string_view name, const kit::Rect& r
     // The glyph goes into a group as pure coverage so that cut-outs erase only the glyph, then the
     // caller's source is painted through it.
     cairo_pattern_t* source = cairo_pattern_reference(cairo_get_source(cr));
+    // A group is as large as the clip: without one around the glyph (strokes may stand a little
+    // past its box), each glyph would mask the whole target.
+    constexpr double margin = 4;
+    cairo_rectangle(cr, -margin, -margin, it->box.width + 2 * margin, it->box.height + 2 * margin);
+    cairo_clip(cr);
     cairo_push_group_with_content(cr, CAIRO_CONTENT_ALPHA);
     cairo_set_source_rgba(cr, 0, 0, 0, 1);
     it->draw(cr);

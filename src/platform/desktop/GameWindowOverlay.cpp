@@ -94,6 +94,7 @@ struct GameWindowOverlay::Impl {
     void wake();
     bool route(GdkEvent* event);
     bool routeKey(GdkEvent* event);
+    bool routeScroll(GdkEvent* event, kit::Point point);
     std::optional<kit::Point> overlayPoint(GdkEvent* event) const;
     bool insidePage(kit::Point point) const;
 
@@ -309,41 +310,44 @@ bool GameWindowOverlay::Impl::route(GdkEvent* event) {
                 return false;  // hover and the game's drags change nothing of ours
             }
             break;
-        case GDK_SCROLL: {
-            if (insidePage(*point)) {
-                return false;
-            }
-            double dx = 0;
-            double dy = 0;
-            auto unit = ScrollUnit::notches;
-            switch (gdk_scroll_event_get_direction(event)) {
-                case GDK_SCROLL_UP:
-                    dy = -1;
-                    break;
-                case GDK_SCROLL_DOWN:
-                    dy = 1;
-                    break;
-                case GDK_SCROLL_LEFT:
-                    dx = -1;
-                    break;
-                case GDK_SCROLL_RIGHT:
-                    dx = 1;
-                    break;
-                case GDK_SCROLL_SMOOTH:
-                    gdk_scroll_event_get_deltas(event, &dx, &dy);
-                    if (gdk_scroll_event_get_unit(event) == GDK_SCROLL_UNIT_SURFACE) {
-                        unit = ScrollUnit::points;
-                    }
-                    break;
-            }
-            consumed = input->scroll(*point, dx, dy, unit);
+        case GDK_SCROLL:
+            consumed = routeScroll(event, *point);
             break;
-        }
         default:
             return false;
     }
     wake();
     return consumed;
+}
+
+bool GameWindowOverlay::Impl::routeScroll(GdkEvent* event, kit::Point point) {
+    if (insidePage(point)) {
+        return false;
+    }
+    double dx = 0;
+    double dy = 0;
+    auto unit = ScrollUnit::notches;
+    switch (gdk_scroll_event_get_direction(event)) {
+        case GDK_SCROLL_UP:
+            dy = -1;
+            break;
+        case GDK_SCROLL_DOWN:
+            dy = 1;
+            break;
+        case GDK_SCROLL_LEFT:
+            dx = -1;
+            break;
+        case GDK_SCROLL_RIGHT:
+            dx = 1;
+            break;
+        case GDK_SCROLL_SMOOTH:
+            gdk_scroll_event_get_deltas(event, &dx, &dy);
+            if (gdk_scroll_event_get_unit(event) == GDK_SCROLL_UNIT_SURFACE) {
+                unit = ScrollUnit::points;  // touchpads
+            }
+            break;
+    }
+    return input->scroll(point, dx, dy, unit);
 }
 
 bool GameWindowOverlay::Impl::routeKey(GdkEvent* event) {
