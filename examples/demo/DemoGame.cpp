@@ -19,9 +19,14 @@ constexpr double floatingButtonSize = 60;
 constexpr ovix::kit::Point warningButtonOrigin{20, 100};
 constexpr int logLines = 9;
 
+// One line of text, cut with an ellipsis at `width` points when it is longer.
 void drawText(cairo_t* cr, const std::string& text, double x, double y, const char* font, double r, double g,
-              double b) {
+              double b, double width = -1) {
     PangoLayout* layout = pango_cairo_create_layout(cr);
+    if (width > 0) {
+        pango_layout_set_width(layout, static_cast<int>(width * PANGO_SCALE));
+        pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
+    }
     PangoFontDescription* description = pango_font_description_from_string(font);
     pango_layout_set_font_description(layout, description);
     pango_layout_set_text(layout, text.c_str(), -1);
@@ -270,7 +275,7 @@ void DemoGame::drawHud(cairo_t* cr) const {
             cairo_set_source_rgba(cr, 0.10, 0.25, 0.50, 0.85);
         }
         cairo_fill(cr);
-        drawText(cr, item.label, item.x + 12, item.y + 8, "DejaVu Sans 10", 1, 1, 1);
+        drawText(cr, item.label, item.x + 12, item.y + 8, "DejaVu Sans 10", 1, 1, 1, item.width - 24);
     }
     const std::string status = "Người chơi: " + (player_.empty() ? std::string("…") : player_) +
                                "   Điểm: " + std::to_string(score_);
@@ -280,7 +285,7 @@ void DemoGame::drawHud(cairo_t* cr) const {
 void DemoGame::drawLog(cairo_t* cr, int height) const {
     const auto lines = log_->tail(logLines);
     const double lineHeight = 16;
-    const double panelHeight = lineHeight * logLines + 36;
+    const double panelHeight = lineHeight * logLines + 40;
     const double top = height - panelHeight - 12;
     roundedRectangle(cr, 12, top, 600, panelHeight, 10);
     cairo_set_source_rgba(cr, 0, 0, 0, 0.55);
@@ -291,7 +296,7 @@ void DemoGame::drawLog(cairo_t* cr, int height) const {
     cairo_clip(cr);
     for (std::size_t i = 0; i < lines.size(); ++i) {
         drawText(cr, lines[i], 24, top + 28 + lineHeight * static_cast<double>(i), "DejaVu Sans Mono 8", 0.85,
-                 0.95, 0.85);
+                 0.95, 0.85, 572);
     }
     cairo_restore(cr);
 }

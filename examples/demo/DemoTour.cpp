@@ -20,6 +20,8 @@ using ovix::OvixEvents;
 constexpr const char* refusedProduct = "com.ovix.demo.vip";
 constexpr const char* allowedProduct = "com.ovix.demo.gems100";
 constexpr const char* failedPurchaseTitle = "Giao dịch thất bại";
+constexpr const char* signInFormReady =
+    "document.readyState === 'complete' && !!document.getElementById('username')";
 
 void printResult(const TourRunner::Result& result) {
     std::printf("tour: %-22s %s (%.1f s)%s%s\n", result.name.c_str(), result.passed ? "PASS" : "FAIL",
@@ -100,6 +102,7 @@ std::shared_ptr<ovix::kit::host::WebView> DemoTour::page() const {
 
 bool DemoTour::pageAnswers(const std::string& script, const ovix::Value& expected) {
     if (pageAnswer_ && pageAnswer_->first == script && pageAnswer_->second == expected) {
+        pageAnswer_.reset();  // consumed: a later step asking the same must see a fresh answer
         return true;
     }
     auto web = page();
@@ -122,6 +125,10 @@ std::shared_ptr<ovix::kit::View> DemoTour::menuButton(std::size_t index) const {
         return dynamic_cast<const ovix::kit::Button*>(&view) != nullptr;
     });
     return index < buttons.size() ? buttons[index] : nullptr;
+}
+
+bool DemoTour::loading() const {
+    return find(ViewFinder::hasClass("LoadingView")) != nullptr;
 }
 
 bool DemoTour::sheetAtRest() const {
@@ -160,13 +167,13 @@ void DemoTour::addLoginSteps() {
                    "the splash screen"}},
                  5,
                  0.2});
-    const std::string ready = "document.readyState === 'complete' && !!document.getElementById('username')";
     runner_.add(
         {"login-page",
          {{{}, [this] { return screen() == "LoginViewController" && page() != nullptr; }, "the login screen"},
           {{},
-           [this, ready] { return pageAnswers(ready, ovix::Value(true)); },
-           "the sign-in form in the page"}},
+           [this] { return pageAnswers(signInFormReady, ovix::Value(true)); },
+           "the sign-in form in the page"},
+          {{}, [this] { return !loading(); }, "the loading cover gone", true}},
          20,
          0.5});
     const std::string fill =
@@ -286,7 +293,11 @@ void DemoTour::addStoreSteps() {
            [this] { return game_.log().count(OvixEvents::LOGOUT_SUCCESS) == 1; }, "OvixLogoutSuccess"},
           {{},
            [this] { return screen() == "LoginViewController" && !ovix::OvixCore::shared().floatingButton(); },
-           "the login screen back"}},
+           "the login screen back"},
+          {{},
+           [this] { return pageAnswers(signInFormReady, ovix::Value(true)); },
+           "the sign-in form in the page"},
+          {{}, [this] { return !loading(); }, "the loading cover gone", true}},
          15,
          1.0});
 }

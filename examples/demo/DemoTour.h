@@ -55,6 +55,8 @@ class DemoTour {
     bool pageAnswers(const std::string& script, const ovix::Value& expected);
     /// The sheet's menu buttons: home, events, report, close.
     std::shared_ptr<ovix::kit::View> menuButton(std::size_t index) const;
+    /// Whether the login screen's loading cover is still shown.
+    bool loading() const;
     /// Whether the overlay's sheet is open and has finished sliding up.
     bool sheetAtRest() const;
     void tapHud(Hud::Action action, const std::string& productId = "");

@@ -4,9 +4,14 @@
 
 namespace demo {
 
+std::string Hud::shortName(const std::string& productId) {
+    const auto dot = productId.find_last_of('.');
+    return dot == std::string::npos || dot + 1 == productId.size() ? productId : productId.substr(dot + 1);
+}
+
 Hud::Hud(const std::vector<std::string>& productIds) {
     for (const auto& id : productIds) {
-        items_.push_back({Action::buy, id, "Mua " + id, 0, 0, 0, 0});
+        items_.push_back({Action::buy, id, "Mua " + shortName(id), 0, 0, 0, 0});
     }
     items_.push_back({Action::restore, "", "Khôi phục giao dịch", 0, 0, 0, 0});
     items_.push_back({Action::userInfo, "", "Thông tin tài khoản", 0, 0, 0, 0});
@@ -55,7 +60,7 @@ std::optional<Hud::Item> Hud::item(Action action) const {
 void Hud::setPrice(const std::string& productId, const std::string& price) {
     for (auto& item : items_) {
         if (item.action == Action::buy && item.productId == productId) {
-            item.label = "Mua " + productId + " · " + price;
+            item.label = "Mua " + shortName(productId) + " · " + price;
         }
     }
 }

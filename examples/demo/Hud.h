@@ -37,6 +37,8 @@ class Hud {
     std::optional<Item> item(Action action) const;
     /// Updates a buy button's text once the store told the product's price.
     void setPrice(const std::string& productId, const std::string& price);
+    /// What a buy button calls a product: the id's last dotted part ("com.game.gems100" → "gems100").
+    static std::string shortName(const std::string& productId);
     const std::vector<Item>& items() const { return items_; }
 
   private:

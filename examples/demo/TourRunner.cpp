@@ -65,6 +65,12 @@ bool TourRunner::tick(double now) {
         }
         return finished_;
     }
+    if (phase_ == Phase::settling && !step.stages.empty() && step.stages.back().mustHold &&
+        !step.stages.back().done()) {
+        phase_ = Phase::waiting;
+        stage_ = step.stages.size() - 1;
+        return finished_;
+    }
     if (phase_ == Phase::settling && now - doneAt_ >= step.settle) {
         finishStep(true, "", now);
     }

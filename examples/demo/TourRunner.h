@@ -21,6 +21,10 @@ class TourRunner {
         std::function<void()> action;  ///< may be empty
         std::function<bool()> done;    ///< the expectation; empty means "at once"
         std::string expectation;       ///< what `done` waits for, for the report
+        /// For the last stage: `done` must stay true until the snapshot; when it turns false while
+        /// the picture settles, the step waits for it again (within its timeout). `done` must then
+        /// be a plain check without side effects.
+        bool mustHold = false;
     };
     struct Step {
         std::string name;

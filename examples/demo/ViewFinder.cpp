@@ -1,8 +1,10 @@
 #include "ViewFinder.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "ovix/kit/Label.h"
+#include "ovix/kit/ScrollView.h"
 
 namespace demo {
 
@@ -71,9 +73,33 @@ std::optional<ovix::kit::Point> ViewFinder::centreInWindow(const View& view) {
         window.get());
 }
 
+void ViewFinder::scrollIntoView(const std::shared_ptr<View>& view) {
+    for (auto ancestor = view ? view->superview() : nullptr; ancestor; ancestor = ancestor->superview()) {
+        auto* scroll = dynamic_cast<ovix::kit::ScrollView*>(ancestor.get());
+        if (!scroll) {
+            continue;
+        }
+        const auto bounds = view->bounds();
+        const auto top = view->convertTo(bounds.origin, scroll).y;  // in the content's coordinates
+        const auto visible = scroll->bounds();
+        auto offset = scroll->contentOffset();
+        if (top + bounds.size.height > visible.origin.y + visible.size.height) {
+            offset.y = top + bounds.size.height - visible.size.height;
+        } else if (top < visible.origin.y) {
+            offset.y = top;
+        }
+        offset.y = std::clamp(offset.y, 0.0, scroll->maximumContentOffset().y);
+        scroll->setContentOffset(offset);
+        return;
+    }
+}
+
 bool ViewFinder::tap(const std::shared_ptr<View>& view) {
-    // A player taps what is drawn: lay the window out first, as drawing would.
+    // A player taps what is drawn: lay the window out first, as drawing would, and scroll a view
+    // below the fold into sight, as the player would.
     if (const auto window = view ? view->window() : nullptr) {
+        window->layoutIfNeeded();
+        scrollIntoView(view);
         window->layoutIfNeeded();
     }
     const auto centre = view ? centreInWindow(*view) : std::nullopt;

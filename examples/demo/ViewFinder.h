@@ -34,13 +34,16 @@ class ViewFinder {
 
     /// The centre of `view` in its window's coordinates; nothing when it is in no window.
     static std::optional<ovix::kit::Point> centreInWindow(const ovix::kit::View& view);
-    /// Lays the window out, then taps the centre of `view` through it (hit testing and gestures as for a
-    /// pointer); false when it is in no window.
+    /// Lays the window out, scrolls `view` into sight, then taps its centre through the window (hit testing
+    /// and gestures as for a pointer); false when it is in no window.
     static bool tap(const std::shared_ptr<ovix::kit::View>& view);
 
     /// One line per shown view under `root`, indented by depth: class, frame in window coordinates,
     /// and a button's title or a label's text. For a failed tour step's report.
     static std::string describe(const std::shared_ptr<ovix::kit::View>& root);
+
+    /// Scrolls the nearest scroll view around `view` (vertically) just enough to show all of it.
+    static void scrollIntoView(const std::shared_ptr<ovix::kit::View>& view);
 
     /// The controller on top: the window's root, then what each one presents.
     static std::shared_ptr<ovix::kit::ViewController> topController(const ovix::kit::Window& window);
