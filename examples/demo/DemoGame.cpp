@@ -279,7 +279,11 @@ void DemoGame::drawHud(cairo_t* cr) const {
     }
     const std::string status = "Người chơi: " + (player_.empty() ? std::string("…") : player_) +
                                "   Điểm: " + std::to_string(score_);
-    drawText(cr, status, 100, 16, "DejaVu Sans Bold 12", 1, 1, 1);
+    // On a pill of its own, so that the drifting stars never sit between its words.
+    roundedRectangle(cr, 88, 10, 300, 30, 15);
+    cairo_set_source_rgba(cr, 0, 0, 0, 0.45);
+    cairo_fill(cr);
+    drawText(cr, status, 102, 15, "DejaVu Sans Bold 12", 1, 1, 1, 276);
 }
 
 void DemoGame::drawLog(cairo_t* cr, int height) const {
