@@ -24,4 +24,6 @@ function(ovix_module target)
   target_compile_features(${target} PUBLIC cxx_std_20)
   ovix_warnings(${target})
   set_property(GLOBAL APPEND PROPERTY OVIX_MODULES ${target})
+  # The static library hands these on to whoever links it, installed or not.
+  set_property(GLOBAL APPEND PROPERTY OVIX_MODULE_LIBS ${M_LIBS})
 endfunction()

@@ -15,8 +15,10 @@ bool writeWidgetSnapshot(GtkWidget* window, const std::filesystem::path& path) {
     GskRenderNode* node = gtk_snapshot_free_to_node(snapshot);
     bool written = false;
     if (node != nullptr) {
-        graphene_rect_t viewport =
-            GRAPHENE_RECT_INIT(0, 0, static_cast<float>(width), static_cast<float>(height));
+        // graphene_rect_init, not GRAPHENE_RECT_INIT: the macro is a C compound literal, which
+        // -Wpedantic rejects in C++.
+        graphene_rect_t viewport;
+        graphene_rect_init(&viewport, 0, 0, static_cast<float>(width), static_cast<float>(height));
         GdkTexture* texture = gsk_renderer_render_texture(renderer, node, &viewport);
         written = gdk_texture_save_to_png(texture, path.c_str());
         g_object_unref(texture);
