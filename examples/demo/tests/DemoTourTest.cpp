@@ -8,6 +8,8 @@
 #include <fstream>
 #include <map>
 #include <sstream>
+#include <string_view>
+#include <utility>
 
 namespace demo {
 namespace {
@@ -22,7 +24,20 @@ struct Picture {
     int width = 0, height = 0;
     std::size_t colours = 0;    // distinct colours among the sampled pixels
     double commonestShare = 1;  // share of the sampled pixels in the most frequent colour
+    std::map<std::pair<int, int>, std::uint32_t> probes;  // chosen pixels, 0xRRGGBB
 };
+
+// Pixels at places the tour knows: the floating button's middle once the game shows it (the button is
+// 60 x 60 at (100, 200)), the refused purchase's alert inside its left margin, the support form's white page.
+const std::pair<int, int> buttonMiddle{130, 230}, alertMargin{360, 320}, formMargin{60, 300};
+
+bool reddish(std::uint32_t rgb) {
+    const int r = (rgb >> 16) & 0xff, g = (rgb >> 8) & 0xff, b = rgb & 0xff;
+    return r > 180 && g < 120 && b < 120;
+}
+bool nearWhite(std::uint32_t rgb) {
+    return ((rgb >> 16) & 0xff) > 235 && ((rgb >> 8) & 0xff) > 235 && (rgb & 0xff) > 235;
+}
 
 Picture inspect(const std::filesystem::path& path) {
     Picture picture;
@@ -46,6 +61,13 @@ Picture inspect(const std::filesystem::path& path) {
         for (const auto& [colour, count] : counts) {
             commonest = std::max(commonest, count);
         }
+        for (const auto& at : {buttonMiddle, alertMargin, formMargin}) {
+            if (at.first < picture.width && at.second < picture.height) {
+                picture.probes[at] =
+                    *reinterpret_cast<const std::uint32_t*>(data + at.second * stride + at.first * 4) &
+                    0xffffff;
+            }
+        }
         picture.colours = counts.size();
         picture.commonestShare = samples ? static_cast<double>(commonest) / static_cast<double>(samples) : 1;
     }
@@ -64,19 +86,37 @@ TEST(DemoTourTest, EveryStepPassesAndLeavesAPictureWithSomethingOnIt) {
     ASSERT_TRUE(WIFEXITED(status));
     ASSERT_EQ(WEXITSTATUS(status), 0) << output.str();
     EXPECT_NE(output.str().find("tour: 14 of 14 steps passed"), std::string::npos) << output.str();
-    EXPECT_NE(output.str().find("event OvixPurchaseUpdated"), std::string::npos);
+    // The events a player's session raises, in the order the tour causes them.
+    std::size_t from = 0;
+    for (const char* event :
+         {"event OvixLoginSuccess", "event OvixBillingConnected", "event OvixPurchaseUpdated",
+          "event OvixPurchaseRestored", "event OvixLogoutSuccess"}) {
+        SCOPED_TRACE(event);
+        from = output.str().find(event, from);
+        ASSERT_NE(from, std::string::npos) << output.str();
+    }
 
     int number = 0;
     for (const char* step : steps) {
         char name[64];
         std::snprintf(name, sizeof name, "%02d-%s.png", ++number, step);
         SCOPED_TRACE(name);
-        const auto picture = inspect(out / name);
+        auto picture = inspect(out / name);
         ASSERT_TRUE(picture.loaded);
         EXPECT_EQ(picture.width, 960);
         EXPECT_EQ(picture.height, 600);
         EXPECT_GE(picture.colours, 20u) << "a nearly flat picture";
         EXPECT_LT(picture.commonestShare, 0.995) << "one colour almost everywhere";  // the white form: 0.988
+        const std::string_view shown = step;
+        if (shown == "game" || shown == "purchase-made") {
+            EXPECT_TRUE(reddish(picture.probes[buttonMiddle])) << std::hex << picture.probes[buttonMiddle];
+        }
+        if (shown == "purchase-refused") {
+            EXPECT_TRUE(nearWhite(picture.probes[alertMargin])) << std::hex << picture.probes[alertMargin];
+        }
+        if (shown == "support-form") {
+            EXPECT_TRUE(nearWhite(picture.probes[formMargin])) << std::hex << picture.probes[formMargin];
+        }
     }
 }
 
