@@ -224,6 +224,12 @@ TEST_F(EmulatorTest, AnUploadThatIsNotOneJpegPartNamedImageIsRefusedAndNotStored
         EXPECT_NE(nlohmann::json::parse(answer->body).at("Message").get<std::string>().find(message),
                   std::string::npos);
     }
+    // Larger than the emulator reads at all: refused before the body is stored, and it still serves.
+    const std::string oversized =
+        part("image", "image", "image/jpeg", std::string(65u << 20, 'x')) + "--B--\r\n";
+    auto huge = client.Post("/inside/image/api/v2.0/upload", oversized, "multipart/form-data; boundary=B");
+    ASSERT_TRUE(huge) << httplib::to_string(huge.error());
+    EXPECT_EQ(huge->status, 413);
     auto json = client.Post("/inside/image/api/v2.0/upload", jpeg, "application/json");
     ASSERT_TRUE(json);
     EXPECT_EQ(json->status, 400);
