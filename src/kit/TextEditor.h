@@ -25,6 +25,19 @@ class TextEditor {
     /// The bytes Backspace or Delete removes: the selection, else the character (word with control)
     /// before or after the caret; an empty selection at the text's edge.
     TextSelection erased(TextSelection selection, Key key, KeyModifiers modifiers) const;
+    /// What a text input does with Backspace, Delete and the navigation keys: a non-empty erased
+    /// range goes to `erase` (the input's own replacement, which updates its selection), a
+    /// navigation key moves `selection`; other keys change nothing.
+    template <typename Erase>
+    void apply(TextSelection& selection, Key key, KeyModifiers modifiers, Erase&& erase) const {
+        if (key == Key::backspace || key == Key::deleteForward) {
+            if (const auto range = erased(selection, key, modifiers); !range.isEmpty()) {
+                erase(range);
+            }
+        } else if (const auto next = moved(selection, key, modifiers)) {
+            selection = *next;
+        }
+    }
 
   private:
     std::size_t lineStart(std::size_t at) const;

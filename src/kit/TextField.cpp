@@ -170,12 +170,8 @@ bool TextField::keyDown(Key key, KeyModifiers modifiers) {
     const TextEditor editor(text_, false);
     if (key == Key::enter) {
         returnKey();
-    } else if (key == Key::backspace || key == Key::deleteForward) {
-        if (const auto range = editor.erased(selection_, key, modifiers); !range.isEmpty()) {
-            replace(range, "");
-        }
-    } else if (const auto moved = editor.moved(selection_, key, modifiers)) {
-        selection_ = *moved;
+    } else {
+        editor.apply(selection_, key, modifiers, [this](TextSelection range) { replace(range, ""); });
     }
     return true;
 }

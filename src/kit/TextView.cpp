@@ -126,12 +126,8 @@ bool TextView::keyDown(Key key, KeyModifiers modifiers) {
     const TextEditor editor(text_, true);
     if (key == Key::enter) {
         replace(selection_, "\n");
-    } else if (key == Key::backspace || key == Key::deleteForward) {
-        if (const auto range = editor.erased(selection_, key, modifiers); !range.isEmpty()) {
-            replace(range, "");
-        }
-    } else if (const auto moved = editor.moved(selection_, key, modifiers)) {
-        selection_ = *moved;
+    } else {
+        editor.apply(selection_, key, modifiers, [this](TextSelection range) { replace(range, ""); });
     }
     return true;
 }
