@@ -58,6 +58,31 @@ TEST_F(Core, ListenerIsHeldWeaklyAndReplaced) {
     core.logout();  // lost silently
 }
 
+// A listener that answers one event by raising another from inside its callback, as a game may.
+class ChainingListener : public RecordingListener {
+  public:
+    void onEventReceived(const std::string& event, const ovix::Value& data) override {
+        if (event == "OvixPurchaseUpdated") {
+            OvixCore::shared().raise("GameOwnEvent");
+        }
+        RecordingListener::onEventReceived(event, data);
+    }
+};
+
+TEST_F(Core, EveryNameArrivesExactlyEvenWhenRaisedFromInsideTheListener) {
+    auto listener = std::make_shared<ChainingListener>();
+    core.setListener(listener);
+    const std::vector<std::string_view> names{OvixEvents::LOGIN_SUCCESS, OvixEvents::PURCHASE_UPDATED,
+                                              OvixEvents::PURCHASES_RESTORED, "GameOwnEvent2"};
+    for (auto name : names) {
+        core.raise(name);
+    }
+    // A lock held across the call would hang here; a name reused across raises would come back wrong.
+    EXPECT_EQ(listener->names(),
+              (std::vector<std::string>{"OvixLoginSuccess", "GameOwnEvent", "OvixPurchaseUpdated",
+                                        "OvixPurchaseRestored", "GameOwnEvent2"}));
+}
+
 TEST_F(Core, EventsBeforeAnyListenerAreNotReplayed) {
     core.setListener(nullptr);
     core.logout();

@@ -1,0 +1,71 @@
+// Raising an event to a live listener, beside the least a weakly held listener can cost: a weak_ptr
+// lock and one virtual call with the same arguments. Both sides run alternately in one benchmark,
+// which reports each mean and "raise_over_baseline".
+//
+//   build/<dir>/bench/core/ovix_event_bench
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "core/EventSlot.h"
+#include "ovix/OvixEvents.h"
+#include "ovix/OvixSdkListener.h"
+
+namespace {
+
+class CountingListener : public ovix::OvixSdkListener {
+  public:
+    void onEventReceived(const std::string& event, const ovix::Value& data) override {
+        benchmark::DoNotOptimize(event.data());
+        benchmark::DoNotOptimize(&data);
+        ++count;
+    }
+    long count = 0;
+};
+
+using Clock = std::chrono::steady_clock;
+
+// One batch of each side per benchmark iteration, timed separately; batches keep the clock's cost out.
+constexpr int kBatch = 1000;
+
+void BM_RaiseVsVirtualCall(benchmark::State& state) {
+    auto listener = std::make_shared<CountingListener>();
+    ovix::EventSlot::shared().setListener(listener);
+    std::weak_ptr<ovix::OvixSdkListener> weak = listener;
+    const std::string name(ovix::OvixEvents::PURCHASE_UPDATED);
+    const ovix::Value data;
+    Clock::duration raiseTime{}, baselineTime{};
+
+    for (auto _ : state) {
+        auto start = Clock::now();
+        for (int i = 0; i < kBatch; ++i) {
+            ovix::EventSlot::shared().raise(ovix::OvixEvents::PURCHASE_UPDATED, data);
+        }
+        auto middle = Clock::now();
+        for (int i = 0; i < kBatch; ++i) {
+            benchmark::DoNotOptimize(weak);
+            if (auto target = weak.lock()) {
+                target->onEventReceived(name, data);
+            }
+        }
+        auto end = Clock::now();
+        raiseTime += middle - start;
+        baselineTime += end - middle;
+    }
+    ovix::EventSlot::shared().setListener(nullptr);
+    if (listener->count != 2 * kBatch * static_cast<long>(state.iterations())) {
+        state.SkipWithError("the listener missed events");
+        return;
+    }
+    const double calls = static_cast<double>(state.iterations()) * kBatch;
+    const double raiseNs = std::chrono::duration<double, std::nano>(raiseTime).count() / calls;
+    const double baselineNs = std::chrono::duration<double, std::nano>(baselineTime).count() / calls;
+    state.counters["raise_ns"] = raiseNs;
+    state.counters["baseline_ns"] = baselineNs;
+    state.counters["raise_over_baseline"] = raiseNs / baselineNs;
+}
+BENCHMARK(BM_RaiseVsVirtualCall);
+
+}  // namespace
