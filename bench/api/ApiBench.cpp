@@ -4,9 +4,10 @@
 //
 //   build/<dir>/bench/api/ovix_api_bench
 //
-// Each benchmark runs the SDK and its raw baseline alternately and reports both means and their
-// ratio, "sdk_over_raw". The "*_peak_per_body_byte" counters are the highest rise of resident memory
-// during one run of that side, over the bytes of the five bodies.
+// Each upload benchmark runs the SDK and its raw baseline alternately and reports both medians and
+// their ratio, "sdk_over_raw"; the user-info one runs the SDK beside three baselines in turn and
+// reports "sdk_over_easy", "sdk_over_multi" and "sdk_over_cpprest". The "*_peak_per_body_byte" counters are
+// the highest rise of resident memory during one run of that side, over the bytes of the five bodies.
 #include <benchmark/benchmark.h>
 #include <curl/curl.h>
 #include <httplib.h>
@@ -28,6 +29,8 @@
 #include <vector>
 
 #include "api/APIService.h"
+#include "api/CpprestGet.h"
+#include "api/MultiOnWorker.h"
 #include "ovix/OvixCore.h"
 #include "ovix/testing/HeadlessPlatform.h"
 #include "platform/curl/CurlHttpClient.h"
@@ -278,14 +281,15 @@ class LastCompletion {
   public:
     explicit LastCompletion(int count) : left_(count) {}
     std::function<void(std::optional<ovix::Dictionary>)> completion() {
-        return [this](std::optional<ovix::Dictionary> result) {
-            std::lock_guard lock(mutex_);
-            ok_ = ok_ && result.has_value();
-            last_ = Clock::now();
-            if (--left_ == 0) {
-                done_.notify_all();
-            }
-        };
+        return [this](std::optional<ovix::Dictionary> result) { finish(result.has_value()); };
+    }
+    void finish(bool ok) {
+        std::lock_guard lock(mutex_);
+        ok_ = ok_ && ok;
+        last_ = Clock::now();
+        if (--left_ == 0) {
+            done_.notify_all();
+        }
     }
     Clock::time_point wait() {
         std::unique_lock lock(mutex_);
@@ -305,36 +309,115 @@ class LastCompletion {
     Clock::time_point last_;
 };
 
-// ---- user info: from the call until the caller has the result (curl_easy_perform returns; the
-// SDK's completion starts on the transport thread) ----
+// ---- user info: from the call until the caller has the result ----
 
+// One way of getting the user info: answers the seconds from its call until the caller has the
+// result.
+struct Side {
+    const char* name;
+    std::function<double()> run;
+};
+
+// Runs every side once per iteration, each iteration starting with the next side in turn, so that all
+// see the same machine load and none always follows another. Answers each side's median.
+std::vector<double> rotated(benchmark::State& state, const std::vector<Side>& sides) {
+    std::vector<std::vector<double>> samples(sides.size());
+    std::size_t first = 0;
+    for (auto _ : state) {
+        double total = 0;
+        for (std::size_t k = 0; k < sides.size(); ++k) {
+            const std::size_t i = (first + k) % sides.size();
+            const double seconds = sides[i].run();
+            samples[i].push_back(seconds);
+            total += seconds;
+        }
+        first = (first + 1) % sides.size();
+        state.SetIterationTime(total);
+    }
+    std::vector<double> medians;
+    for (std::size_t i = 0; i < sides.size(); ++i) {
+        medians.push_back(median(samples[i]));
+        state.counters[std::string(sides[i].name) + "_us"] = medians.back() * 1e6;
+    }
+    return medians;
+}
+
+const std::vector<std::pair<std::string, std::string>> kUserInfoHeaders = {
+    {"Content-Type", "application/json"}, {"Authorization", "Bearer token-123"}, {"ClientID", "game-1"}};
+
+std::string userInfoPathAndQuery() {
+    return std::string(kUserInfoPath) + "?fields=avatar,frame,gender,username,address,dob";
+}
+
+std::vector<std::string> headerLines() {
+    std::vector<std::string> lines;
+    for (const auto& [name, value] : kUserInfoHeaders) {
+        lines.push_back(name + ": " + value);
+    }
+    return lines;
+}
+
+void failed(const char* what) {
+    std::fprintf(stderr, "%s failed\n", what);
+    std::exit(1);
+}
+
+// The SDK beside three baselines: a raw easy handle on the caller's thread (curl_easy_perform
+// returns), a raw multi handle on its own worker handing the body over as the SDK does (a completion
+// on the worker waking the caller), and the C++ REST SDK's asynchronous GET (its task's get()
+// returns). The SDK's completion runs on its transport thread and wakes the caller the same way.
 void UserInfo(benchmark::State& state) {
+    const std::string url = gBase + userInfoPathAndQuery();
+    const auto lines = headerLines();
+
     CURL* easy = curl_easy_init();
-    curl_slist* headers = curl_slist_append(nullptr, "Content-Type: application/json");
-    headers = curl_slist_append(headers, "Authorization: Bearer token-123");
-    headers = curl_slist_append(headers, "ClientID: game-1");
-    const std::string url = gBase + kUserInfoPath + "?fields=avatar,frame,gender,username,address,dob";
+    curl_slist* headers = nullptr;
+    for (const auto& line : lines) {
+        headers = curl_slist_append(headers, line.c_str());
+    }
     std::string body;
     curl_easy_setopt(easy, CURLOPT_URL, url.c_str());
     curl_easy_setopt(easy, CURLOPT_HTTPHEADER, headers);
     curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &collect);
     curl_easy_setopt(easy, CURLOPT_WRITEDATA, &body);
-    auto raw = [&] {
+    auto rawEasy = [&] {
         body.clear();
         const auto start = Clock::now();
         if (curl_easy_perform(easy) != CURLE_OK) {
-            std::fprintf(stderr, "raw GET failed\n");
-            std::exit(1);
+            failed("raw easy GET");
         }
         return secondsSince(start);
     };
+
+    ovix::bench::MultiOnWorker multi(url, lines);
+    auto rawMulti = [&] {
+        LastCompletion done(1);
+        const auto start = Clock::now();
+        multi.get([&done](long status, std::string) { done.finish(status == 200); });
+        return secondsSince(start, done.wait());
+    };
+
+    ovix::bench::CpprestGet cpprest(gBase, userInfoPathAndQuery(), kUserInfoHeaders);
+    auto peer = [&] {
+        std::string text;
+        const auto start = Clock::now();
+        if (cpprest.get(text) != 200) {
+            failed("cpprest GET");
+        }
+        return secondsSince(start);
+    };
+
     auto sdk = [] {
         LastCompletion done(1);
         const auto start = Clock::now();
         ovix::APIService::getUserInfo(done.completion());
         return secondsSince(start, done.wait());
     };
-    paired(state, raw, sdk, 1e6, "us");
+
+    const auto m = rotated(state, {{"easy", rawEasy}, {"multi", rawMulti}, {"cpprest", peer}, {"sdk", sdk}});
+    state.counters["sdk_over_easy"] = m[3] / m[0];
+    state.counters["sdk_over_multi"] = m[3] / m[1];
+    state.counters["sdk_over_cpprest"] = m[3] / m[2];
     curl_slist_free_all(headers);
     curl_easy_cleanup(easy);
 }
