@@ -23,6 +23,7 @@
 #include <fstream>
 #include <future>
 #include <mutex>
+#include <numeric>
 #include <random>
 #include <string>
 #include <thread>
@@ -31,7 +32,9 @@
 #include "api/APIService.h"
 #include "api/CpprestGet.h"
 #include "api/MultiOnWorker.h"
+#include "api/PreviousCurlHttpClient.h"
 #include "ovix/OvixCore.h"
+#include "ovix/platform/Platform.h"
 #include "ovix/testing/HeadlessPlatform.h"
 #include "platform/curl/CurlHttpClient.h"
 #include "platform/jpeg/JpegImageCodec.h"
@@ -318,20 +321,23 @@ struct Side {
     std::function<double()> run;
 };
 
-// Runs every side once per iteration, each iteration starting with the next side in turn, so that all
-// see the same machine load and none always follows another. Answers each side's median.
+// Runs every side once per iteration, in an order shuffled each time, so that all see the same
+// machine load and each follows every other equally often: a side whose library leaves work running
+// on its own threads after handing its result over (cpprest) would otherwise always slow the same
+// next side. Answers each side's median.
 std::vector<double> rotated(benchmark::State& state, const std::vector<Side>& sides) {
     std::vector<std::vector<double>> samples(sides.size());
-    std::size_t first = 0;
+    std::vector<std::size_t> order(sides.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::mt19937 random(7);
     for (auto _ : state) {
+        std::shuffle(order.begin(), order.end(), random);
         double total = 0;
-        for (std::size_t k = 0; k < sides.size(); ++k) {
-            const std::size_t i = (first + k) % sides.size();
+        for (const std::size_t i : order) {
             const double seconds = sides[i].run();
             samples[i].push_back(seconds);
             total += seconds;
         }
-        first = (first + 1) % sides.size();
         state.SetIterationTime(total);
     }
     std::vector<double> medians;
@@ -414,10 +420,25 @@ void UserInfo(benchmark::State& state) {
         return secondsSince(start, done.wait());
     };
 
-    const auto m = rotated(state, {{"easy", rawEasy}, {"multi", rawMulti}, {"cpprest", peer}, {"sdk", sdk}});
+    // The SDK again with the client as it was before, swapped in and out around each call (only this
+    // thread reads the platform's client).
+    auto platform = ovix::platform::current();
+    auto previous = std::make_shared<ovix::bench::PreviousCurlHttpClient>();
+    auto before = [&] {
+        auto current = std::exchange(platform->http, previous);
+        const double seconds = sdk();
+        platform->http = std::move(current);
+        return seconds;
+    };
+
+    const auto m = rotated(
+        state,
+        {{"easy", rawEasy}, {"multi", rawMulti}, {"cpprest", peer}, {"sdk", sdk}, {"sdk_before", before}});
     state.counters["sdk_over_easy"] = m[3] / m[0];
     state.counters["sdk_over_multi"] = m[3] / m[1];
     state.counters["sdk_over_cpprest"] = m[3] / m[2];
+    state.counters["before_over_easy"] = m[4] / m[0];
+    state.counters["before_over_multi"] = m[4] / m[1];
     curl_slist_free_all(headers);
     curl_easy_cleanup(easy);
 }
