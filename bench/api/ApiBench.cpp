@@ -5,9 +5,11 @@
 //   build/<dir>/bench/api/ovix_api_bench
 //
 // Each upload benchmark runs the SDK and its raw baseline alternately and reports both medians and
-// their ratio, "sdk_over_raw"; the user-info one runs the SDK beside three baselines in turn and
-// reports "sdk_over_easy", "sdk_over_multi" and "sdk_over_cpprest". The "*_peak_per_body_byte" counters are
-// the highest rise of resident memory during one run of that side, over the bytes of the five bodies.
+// their ratio, "sdk_over_raw". The user-info one runs the SDK beside three baselines and the SDK's
+// previous HTTP client, in a shuffled order, and reports "sdk_over_easy", "sdk_over_multi",
+// "sdk_over_cpprest" and the previous client's "before_over_easy" and "before_over_multi". The
+// "*_peak_per_body_byte" counters are the highest rise of resident memory during one run of that
+// side, over the bytes of the five bodies.
 #include <benchmark/benchmark.h>
 #include <curl/curl.h>
 #include <httplib.h>
@@ -371,7 +373,8 @@ void failed(const char* what) {
 // The SDK beside three baselines: a raw easy handle on the caller's thread (curl_easy_perform
 // returns), a raw multi handle on its own worker handing the body over as the SDK does (a completion
 // on the worker waking the caller), and the C++ REST SDK's asynchronous GET (its task's get()
-// returns). The SDK's completion runs on its transport thread and wakes the caller the same way.
+// returns). The SDK's completion runs on its transport thread and wakes the caller the same way;
+// its time includes building the request and parsing the answer, which the baselines do not do.
 void UserInfo(benchmark::State& state) {
     const std::string url = gBase + userInfoPathAndQuery();
     const auto lines = headerLines();
