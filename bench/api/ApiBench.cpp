@@ -7,7 +7,8 @@
 // Each upload benchmark runs the SDK and its raw baseline alternately and reports both medians and
 // their ratio, "sdk_over_raw". The user-info one runs the SDK beside three baselines and the SDK's
 // previous HTTP client, in a shuffled order, and reports "sdk_over_easy", "sdk_over_multi",
-// "sdk_over_cpprest" and the previous client's "before_over_easy" and "before_over_multi". The
+// "sdk_over_cpprest", the previous client's "before_over_easy" and "before_over_multi", and
+// "sdk_over_before" (ratios are medians of per-iteration ratios; the "*_us" are medians). The
 // "*_peak_per_body_byte" counters are the highest rise of resident memory during one run of that
 // side, over the bytes of the five bodies.
 #include <benchmark/benchmark.h>
@@ -326,8 +327,8 @@ struct Side {
 // Runs every side once per iteration, in an order shuffled each time, so that all see the same
 // machine load and each follows every other equally often: a side whose library leaves work running
 // on its own threads after handing its result over (cpprest) would otherwise always slow the same
-// next side. Answers each side's median.
-std::vector<double> rotated(benchmark::State& state, const std::vector<Side>& sides) {
+// next side. Reports each side's median and answers every side's samples, in iteration order.
+std::vector<std::vector<double>> shuffled(benchmark::State& state, const std::vector<Side>& sides) {
     std::vector<std::vector<double>> samples(sides.size());
     std::vector<std::size_t> order(sides.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
@@ -342,12 +343,21 @@ std::vector<double> rotated(benchmark::State& state, const std::vector<Side>& si
         }
         state.SetIterationTime(total);
     }
-    std::vector<double> medians;
     for (std::size_t i = 0; i < sides.size(); ++i) {
-        medians.push_back(median(samples[i]));
-        state.counters[std::string(sides[i].name) + "_us"] = medians.back() * 1e6;
+        state.counters[std::string(sides[i].name) + "_us"] = median(samples[i]) * 1e6;
     }
-    return medians;
+    return samples;
+}
+
+// The median over iterations of a's time over b's in the same iteration: the load of a shared
+// machine drifts over a run, but hardly within one iteration, so this moves less than the ratio of
+// the two medians.
+double pairedRatio(const std::vector<double>& a, const std::vector<double>& b) {
+    std::vector<double> ratios;
+    for (std::size_t i = 0; i < a.size() && i < b.size(); ++i) {
+        ratios.push_back(a[i] / b[i]);
+    }
+    return median(std::move(ratios));
 }
 
 const std::vector<std::pair<std::string, std::string>> kUserInfoHeaders = {
@@ -434,14 +444,15 @@ void UserInfo(benchmark::State& state) {
         return seconds;
     };
 
-    const auto m = rotated(
+    const auto t = shuffled(
         state,
         {{"easy", rawEasy}, {"multi", rawMulti}, {"cpprest", peer}, {"sdk", sdk}, {"sdk_before", before}});
-    state.counters["sdk_over_easy"] = m[3] / m[0];
-    state.counters["sdk_over_multi"] = m[3] / m[1];
-    state.counters["sdk_over_cpprest"] = m[3] / m[2];
-    state.counters["before_over_easy"] = m[4] / m[0];
-    state.counters["before_over_multi"] = m[4] / m[1];
+    state.counters["sdk_over_easy"] = pairedRatio(t[3], t[0]);
+    state.counters["sdk_over_multi"] = pairedRatio(t[3], t[1]);
+    state.counters["sdk_over_cpprest"] = pairedRatio(t[3], t[2]);
+    state.counters["before_over_easy"] = pairedRatio(t[4], t[0]);
+    state.counters["before_over_multi"] = pairedRatio(t[4], t[1]);
+    state.counters["sdk_over_before"] = pairedRatio(t[3], t[4]);
     curl_slist_free_all(headers);
     curl_easy_cleanup(easy);
 }

@@ -87,6 +87,7 @@ struct Transfer {
         if (line.rfind("HTTP/", 0) == 0) {
             // A new response begins (after a redirect or an interim 1xx): forget the previous one.
             t->response.headers.clear();
+            t->response.headers.reserve(16);  // a typical response's, without regrowing
             t->response.body.clear();
         } else if (auto colon = line.find(':'); colon != std::string_view::npos) {
             t->response.headers.emplace_back(std::string(trim(line.substr(0, colon))),
@@ -125,7 +126,8 @@ struct Transfer {
     bool prepare(CURL* handle, const CurlHttpClient::Options& options) {
         easy = handle;
         const auto& r = request;
-        buildHeaderList();
+        const bool noBody = (r.method == "GET" && r.body.empty()) || r.method == "HEAD";
+        buildHeaderList(noBody);
 
         double timeout = r.timeoutSeconds;
         if (options.timeoutCeilingSeconds > 0 &&
@@ -150,7 +152,7 @@ struct Transfer {
         // The method last: setting a body makes libcurl switch to POST, and HTTPGET, NOBODY and POST
         // each undo part of what the previous request on this handle chose.
         set(CURLOPT_CUSTOMREQUEST, static_cast<const char*>(nullptr));
-        if ((r.method == "GET" && r.body.empty()) || r.method == "HEAD") {
+        if (noBody) {
             set(CURLOPT_POSTFIELDS, static_cast<const char*>(nullptr));
             set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(-1));
             set(CURLOPT_HTTPGET, 1L);
@@ -168,21 +170,23 @@ struct Transfer {
         return done == CURLE_OK;
     }
 
-    // The caller's headers, in order, then an empty "Name:" for each libcurl default the caller did
-    // not set, which removes it: only what the caller asked for is sent.
-    void buildHeaderList() {
-        bool has[3] = {false, false, false};
+    // The caller's headers, in order, then an empty "Name:" for each default libcurl would add that
+    // the caller did not set, which removes it: only what the caller asked for is sent. Without a
+    // body libcurl adds only "Accept", and every entry here costs a scan on each of its own checks.
+    void buildHeaderList(bool noBody) {
         static constexpr std::string_view kDefaults[3] = {"Accept", "Expect", "Content-Type"};
+        const int defaults = noBody ? 1 : 3;
+        bool has[3] = {false, false, false};
         std::string line;
         for (const auto& [name, value] : request.headers) {
-            for (int i = 0; i < 3; ++i) {
+            for (int i = 0; i < defaults; ++i) {
                 has[i] = has[i] || sameName(name, kDefaults[i]);
             }
             // "Name;" is how libcurl sends a header with an empty value ("Name:" would remove it).
             line.assign(name).append(value.empty() ? ";" : ": ").append(value);
             headerList = curl_slist_append(headerList, line.c_str());
         }
-        for (int i = 0; i < 3; ++i) {
+        for (int i = 0; i < defaults; ++i) {
             if (!has[i]) {
                 line.assign(kDefaults[i]).append(":");
                 headerList = curl_slist_append(headerList, line.c_str());
@@ -226,7 +230,10 @@ struct CurlHttpClient::Engine {
     // Worker thread only.
     std::map<CURL*, std::unique_ptr<Transfer>> running;
     static constexpr std::size_t kSpareHandles = 16;
-    std::vector<CURL*> spare;  // finished handles, reset, for reuse
+    std::vector<CURL*> spare;  // finished handles, still configured, for reuse
+    // What `start` took from `queued`; emptied, not freed, so that the two vectors trade their
+    // storage instead of allocating for each request.
+    std::vector<std::unique_ptr<Transfer>> batch;
 
     explicit Engine(Options o) : options(std::move(o)), multi(curl_multi_init()) {}
 
@@ -363,7 +370,6 @@ struct CurlHttpClient::Engine {
     }
 
     void start(std::vector<std::unique_ptr<Transfer>>& finished) {
-        std::vector<std::unique_ptr<Transfer>> batch;
         {
             std::lock_guard lock(mutex);
             batch.swap(queued);
@@ -388,6 +394,7 @@ struct CurlHttpClient::Engine {
             }
             running.emplace(easy, std::move(transfer));
         }
+        batch.clear();
     }
 
     void collect(std::vector<std::unique_ptr<Transfer>>& finished) {
@@ -408,16 +415,18 @@ struct CurlHttpClient::Engine {
         }
     }
 
-    // The transfer (its body) is released before the completion runs; its handle is kept for the
-    // next request. The client stays alive until the completion has returned: it may be the last
-    // holder, and the client's destructor then runs here, on the worker.
+    // The request's body is released before the completion runs, and the handle is kept for the
+    // next request; the rest of the transfer (small) goes after, off the caller's wait. The client
+    // stays alive until the completion has returned: it may be the last holder, and the client's
+    // destructor then runs here, on the worker.
     void deliver(std::unique_ptr<Transfer> transfer) {
         auto completion = std::move(transfer->completion);
         auto keepAlive = std::move(transfer->keepAlive);
         auto result = transfer->result(transfer->done);
         recycle(*transfer);
-        transfer.reset();
+        std::string().swap(transfer->request.body);
         completion(std::move(result));
+        transfer.reset();
     }
 };
 
