@@ -437,6 +437,9 @@ void UserInfo(benchmark::State& state) {
     // The SDK again with the client as it was before, swapped in and out around each call (only this
     // thread reads the platform's client).
     auto platform = ovix::platform::current();
+    // Both clients new for each run, like the baselines' workers: a worker thread that has run
+    // since the start is placed differently by the scheduler from one started just now.
+    platform->http = std::make_shared<ovix::platform::CurlHttpClient>();
     auto previous = std::make_shared<ovix::bench::PreviousCurlHttpClient>();
     auto before = [&] {
         auto current = std::exchange(platform->http, previous);
