@@ -4,9 +4,13 @@
 //
 //   build/<dir>/bench/api/ovix_api_bench
 //
-// Each benchmark runs the SDK and its raw baseline alternately and reports both means and their
-// ratio, "sdk_over_raw". The "*_peak_per_body_byte" counters are the highest rise of resident memory
-// during one run of that side, over the bytes of the five bodies.
+// Each upload benchmark runs the SDK and its raw baseline alternately and reports both medians and
+// their ratio, "sdk_over_raw". The user-info one runs the SDK beside three baselines, its previous
+// HTTP client and its HTTP client alone, in a shuffled order, and reports "sdk_over_easy",
+// "sdk_over_multi", "sdk_over_cpprest", "before_over_easy", "before_over_multi", "sdk_over_before"
+// and "client_over_multi" (ratios are medians of per-iteration ratios; the "*_us" are medians).
+// The "*_peak_per_body_byte" counters are the highest rise of resident memory during one run of
+// that side, over the bytes of the five bodies.
 #include <benchmark/benchmark.h>
 #include <curl/curl.h>
 #include <httplib.h>
@@ -22,13 +26,18 @@
 #include <fstream>
 #include <future>
 #include <mutex>
+#include <numeric>
 #include <random>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "api/APIService.h"
+#include "api/CpprestGet.h"
+#include "api/MultiOnWorker.h"
+#include "api/PreviousCurlHttpClient.h"
 #include "ovix/OvixCore.h"
+#include "ovix/platform/Platform.h"
 #include "ovix/testing/HeadlessPlatform.h"
 #include "platform/curl/CurlHttpClient.h"
 #include "platform/jpeg/JpegImageCodec.h"
@@ -278,14 +287,15 @@ class LastCompletion {
   public:
     explicit LastCompletion(int count) : left_(count) {}
     std::function<void(std::optional<ovix::Dictionary>)> completion() {
-        return [this](std::optional<ovix::Dictionary> result) {
-            std::lock_guard lock(mutex_);
-            ok_ = ok_ && result.has_value();
-            last_ = Clock::now();
-            if (--left_ == 0) {
-                done_.notify_all();
-            }
-        };
+        return [this](std::optional<ovix::Dictionary> result) { finish(result.has_value()); };
+    }
+    void finish(bool ok) {
+        std::lock_guard lock(mutex_);
+        ok_ = ok_ && ok;
+        last_ = Clock::now();
+        if (--left_ == 0) {
+            done_.notify_all();
+        }
     }
     Clock::time_point wait() {
         std::unique_lock lock(mutex_);
@@ -305,36 +315,166 @@ class LastCompletion {
     Clock::time_point last_;
 };
 
-// ---- user info: from the call until the caller has the result (curl_easy_perform returns; the
-// SDK's completion starts on the transport thread) ----
+// ---- user info: from the call until the caller has the result ----
 
+// One way of getting the user info: answers the seconds from its call until the caller has the
+// result.
+struct Side {
+    const char* name;
+    std::function<double()> run;
+};
+
+// Runs every side once per iteration, in an order shuffled each time, so that all see the same
+// machine load and each follows every other equally often: a side whose library leaves work running
+// on its own threads after handing its result over (cpprest) would otherwise always slow the same
+// next side. Reports each side's median and answers every side's samples, in iteration order.
+std::vector<std::vector<double>> shuffled(benchmark::State& state, const std::vector<Side>& sides) {
+    std::vector<std::vector<double>> samples(sides.size());
+    std::vector<std::size_t> order(sides.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::mt19937 random(7);
+    for (auto _ : state) {
+        std::shuffle(order.begin(), order.end(), random);
+        double total = 0;
+        for (const std::size_t i : order) {
+            const double seconds = sides[i].run();
+            samples[i].push_back(seconds);
+            total += seconds;
+        }
+        state.SetIterationTime(total);
+    }
+    for (std::size_t i = 0; i < sides.size(); ++i) {
+        state.counters[std::string(sides[i].name) + "_us"] = median(samples[i]) * 1e6;
+    }
+    return samples;
+}
+
+// The median over iterations of a's time over b's in the same iteration: the load of a shared
+// machine drifts over a run, but hardly within one iteration, so this moves less than the ratio of
+// the two medians.
+double pairedRatio(const std::vector<double>& a, const std::vector<double>& b) {
+    std::vector<double> ratios;
+    for (std::size_t i = 0; i < a.size() && i < b.size(); ++i) {
+        ratios.push_back(a[i] / b[i]);
+    }
+    return median(std::move(ratios));
+}
+
+const std::vector<std::pair<std::string, std::string>> kUserInfoHeaders = {
+    {"Content-Type", "application/json"}, {"Authorization", "Bearer token-123"}, {"ClientID", "game-1"}};
+
+std::string userInfoPathAndQuery() {
+    return std::string(kUserInfoPath) + "?fields=avatar,frame,gender,username,address,dob";
+}
+
+std::vector<std::string> headerLines() {
+    std::vector<std::string> lines;
+    for (const auto& [name, value] : kUserInfoHeaders) {
+        lines.push_back(name + ": " + value);
+    }
+    return lines;
+}
+
+void failed(const char* what) {
+    std::fprintf(stderr, "%s failed\n", what);
+    std::exit(1);
+}
+
+// The SDK beside three baselines: a raw easy handle on the caller's thread (curl_easy_perform
+// returns), a raw multi handle on its own worker handing the body over as the SDK does (a completion
+// on the worker waking the caller), and the C++ REST SDK's asynchronous GET (its task's get()
+// returns). The SDK's completion runs on its transport thread and wakes the caller the same way;
+// its time includes building the request and parsing the answer, which the baselines do not do.
+// Beside them, the SDK with its previous HTTP client, and its HTTP client alone.
 void UserInfo(benchmark::State& state) {
+    const std::string url = gBase + userInfoPathAndQuery();
+    const auto lines = headerLines();
+
     CURL* easy = curl_easy_init();
-    curl_slist* headers = curl_slist_append(nullptr, "Content-Type: application/json");
-    headers = curl_slist_append(headers, "Authorization: Bearer token-123");
-    headers = curl_slist_append(headers, "ClientID: game-1");
-    const std::string url = gBase + kUserInfoPath + "?fields=avatar,frame,gender,username,address,dob";
+    curl_slist* headers = nullptr;
+    for (const auto& line : lines) {
+        headers = curl_slist_append(headers, line.c_str());
+    }
     std::string body;
     curl_easy_setopt(easy, CURLOPT_URL, url.c_str());
     curl_easy_setopt(easy, CURLOPT_HTTPHEADER, headers);
     curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &collect);
     curl_easy_setopt(easy, CURLOPT_WRITEDATA, &body);
-    auto raw = [&] {
+    auto rawEasy = [&] {
         body.clear();
         const auto start = Clock::now();
         if (curl_easy_perform(easy) != CURLE_OK) {
-            std::fprintf(stderr, "raw GET failed\n");
-            std::exit(1);
+            failed("raw easy GET");
         }
         return secondsSince(start);
     };
+
+    ovix::bench::MultiOnWorker multi(url, lines);
+    auto rawMulti = [&] {
+        LastCompletion done(1);
+        const auto start = Clock::now();
+        multi.get([&done](long status, std::string) { done.finish(status == 200); });
+        return secondsSince(start, done.wait());
+    };
+
+    ovix::bench::CpprestGet cpprest(gBase, userInfoPathAndQuery(), kUserInfoHeaders);
+    auto peer = [&] {
+        std::string text;
+        const auto start = Clock::now();
+        if (cpprest.get(text) != 200) {
+            failed("cpprest GET");
+        }
+        return secondsSince(start);
+    };
+
     auto sdk = [] {
         LastCompletion done(1);
         const auto start = Clock::now();
         ovix::APIService::getUserInfo(done.completion());
         return secondsSince(start, done.wait());
     };
-    paired(state, raw, sdk, 1e6, "us");
+
+    // The SDK again with the client as it was before, swapped in and out around each call (only this
+    // thread reads the platform's client).
+    auto platform = ovix::platform::current();
+    // Both clients new for each run, like the baselines' workers: a worker thread that has run
+    // since the start is placed differently by the scheduler from one started just now.
+    platform->http = std::make_shared<ovix::platform::CurlHttpClient>();
+    auto previous = std::make_shared<ovix::bench::PreviousCurlHttpClient>();
+    auto before = [&] {
+        auto current = std::exchange(platform->http, previous);
+        const double seconds = sdk();
+        platform->http = std::move(current);
+        return seconds;
+    };
+
+    // The SDK's HTTP client alone, given the request the SDK would build: what the SDK adds to the
+    // transport (building the request, parsing the answer) shows as the difference from "sdk".
+    auto client = [&] {
+        LastCompletion done(1);
+        ovix::platform::HttpRequest request;
+        request.url = url;
+        request.headers = kUserInfoHeaders;
+        const auto start = Clock::now();
+        platform->http->send(std::move(request), [&done](ovix::platform::HttpResult result) {
+            done.finish(result.response && result.response->status == 200);
+        });
+        return secondsSince(start, done.wait());
+    };
+
+    const auto t = shuffled(state, {{"easy", rawEasy},
+                                    {"multi", rawMulti},
+                                    {"cpprest", peer},
+                                    {"sdk", sdk},
+                                    {"sdk_before", before},
+                                    {"client", client}});
+    state.counters["sdk_over_easy"] = pairedRatio(t[3], t[0]);
+    state.counters["sdk_over_multi"] = pairedRatio(t[3], t[1]);
+    state.counters["sdk_over_cpprest"] = pairedRatio(t[3], t[2]);
+    state.counters["before_over_easy"] = pairedRatio(t[4], t[0]);
+    state.counters["before_over_multi"] = pairedRatio(t[4], t[1]);
+    state.counters["sdk_over_before"] = pairedRatio(t[3], t[4]);
+    state.counters["client_over_multi"] = pairedRatio(t[5], t[1]);
     curl_slist_free_all(headers);
     curl_easy_cleanup(easy);
 }

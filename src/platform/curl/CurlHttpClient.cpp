@@ -24,11 +24,6 @@ bool sameName(std::string_view a, std::string_view b) {
     });
 }
 
-bool hasHeader(const HttpHeaders& headers, std::string_view name) {
-    return std::any_of(headers.begin(), headers.end(),
-                       [&](const auto& h) { return sameName(h.first, name); });
-}
-
 std::string_view trim(std::string_view text) {
     while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front()))) {
         text.remove_prefix(1);
@@ -92,6 +87,7 @@ struct Transfer {
         if (line.rfind("HTTP/", 0) == 0) {
             // A new response begins (after a redirect or an interim 1xx): forget the previous one.
             t->response.headers.clear();
+            t->response.headers.reserve(16);  // a typical response's, without regrowing
             t->response.body.clear();
         } else if (auto colon = line.find(':'); colon != std::string_view::npos) {
             t->response.headers.emplace_back(std::string(trim(line.substr(0, colon))),
@@ -100,25 +96,38 @@ struct Transfer {
         return line.size();
     }
 
-    // Configures the easy handle; false, with the reason in `done`, when libcurl refuses an option.
+    // Sets what every request of this client shares, once per handle: a handle is reused as it is,
+    // without a reset, and `prepare` sets everything else each time. CURLE_OK or why libcurl refused.
+    static CURLcode configureOnce(CURL* handle, const CurlHttpClient::Options& options) {
+        CURLcode code = CURLE_OK;
+        auto set = [&](CURLoption option, auto value) {
+            if (code == CURLE_OK) {
+                code = curl_easy_setopt(handle, option, value);
+            }
+        };
+        set(CURLOPT_NOSIGNAL, 1L);
+        set(CURLOPT_PROTOCOLS_STR, "http,https");
+        set(CURLOPT_FOLLOWLOCATION, 0L);  // followed by the engine, within the origin only
+        set(CURLOPT_SSL_VERIFYPEER, 1L);
+        set(CURLOPT_SSL_VERIFYHOST, 2L);
+        if (!options.caBundlePath.empty()) {
+            set(CURLOPT_CAINFO, options.caBundlePath.c_str());
+            set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+        }
+        set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
+        set(CURLOPT_WRITEFUNCTION, &Transfer::onBody);
+        set(CURLOPT_HEADERFUNCTION, &Transfer::onHeader);
+        return code;
+    }
+
+    // Sets every option that differs between requests on a handle from `configureOnce`, including
+    // each one a previous request on the same handle may have changed (method, body, headers); false,
+    // with the reason in `done`, when libcurl refuses one.
     bool prepare(CURL* handle, const CurlHttpClient::Options& options) {
         easy = handle;
-        if (easy == nullptr) {
-            done = CURLE_OUT_OF_MEMORY;
-            return false;
-        }
         const auto& r = request;
-        for (const auto& [name, value] : r.headers) {
-            // "Name;" is how libcurl sends a header with an empty value ("Name:" would remove it).
-            headerList =
-                curl_slist_append(headerList, (value.empty() ? name + ";" : name + ": " + value).c_str());
-        }
-        // Only what the caller asked for: drop libcurl's own defaults.
-        for (const char* name : {"Accept", "Expect", "Content-Type"}) {
-            if (!hasHeader(r.headers, name)) {
-                headerList = curl_slist_append(headerList, (std::string(name) + ":").c_str());
-            }
-        }
+        const bool noBody = (r.method == "GET" && r.body.empty()) || r.method == "HEAD";
+        buildHeaderList(noBody);
 
         double timeout = r.timeoutSeconds;
         if (options.timeoutCeilingSeconds > 0 &&
@@ -134,32 +143,24 @@ struct Transfer {
         };
         set(CURLOPT_PRIVATE, static_cast<void*>(this));
         set(CURLOPT_ERRORBUFFER, errorText);
-        set(CURLOPT_NOSIGNAL, 1L);
         set(CURLOPT_URL, r.url.c_str());
-        set(CURLOPT_PROTOCOLS_STR, "http,https");
-        set(CURLOPT_FOLLOWLOCATION, 0L);  // followed by the engine, within the origin only
-        set(CURLOPT_SSL_VERIFYPEER, 1L);
-        set(CURLOPT_SSL_VERIFYHOST, 2L);
-        if (!options.caBundlePath.empty()) {
-            set(CURLOPT_CAINFO, options.caBundlePath.c_str());
-            set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
-        }
-        set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
         set(CURLOPT_TIMEOUT_MS, timeoutMs);
         set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(r.maxResponseBytes));
         set(CURLOPT_HTTPHEADER, headerList);
-        set(CURLOPT_WRITEFUNCTION, &Transfer::onBody);
         set(CURLOPT_WRITEDATA, static_cast<void*>(this));
-        set(CURLOPT_HEADERFUNCTION, &Transfer::onHeader);
         set(CURLOPT_HEADERDATA, static_cast<void*>(this));
-        if (r.method == "GET" && r.body.empty()) {
+        // The method last: setting a body makes libcurl switch to POST, and HTTPGET, NOBODY and POST
+        // each undo part of what the previous request on this handle chose.
+        set(CURLOPT_CUSTOMREQUEST, static_cast<const char*>(nullptr));
+        if (noBody) {
+            set(CURLOPT_POSTFIELDS, static_cast<const char*>(nullptr));
+            set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(-1));
             set(CURLOPT_HTTPGET, 1L);
-        } else if (r.method == "HEAD") {
-            set(CURLOPT_NOBODY, 1L);
+            set(CURLOPT_NOBODY, r.method == "HEAD" ? 1L : 0L);
         } else {
-            if (r.method == "POST") {
-                set(CURLOPT_POST, 1L);
-            } else {
+            set(CURLOPT_NOBODY, 0L);
+            set(CURLOPT_POST, 1L);
+            if (r.method != "POST") {
                 set(CURLOPT_CUSTOMREQUEST, r.method.c_str());
             }
             // The body stays in the request, which outlives the transfer: libcurl reads it in place.
@@ -167,6 +168,30 @@ struct Transfer {
             set(CURLOPT_POSTFIELDS, r.body.data());
         }
         return done == CURLE_OK;
+    }
+
+    // The caller's headers, in order, then an empty "Name:" for each default libcurl would add that
+    // the caller did not set, which removes it: only what the caller asked for is sent. Without a
+    // body libcurl adds only "Accept", and every entry here costs a scan on each of its own checks.
+    void buildHeaderList(bool noBody) {
+        static constexpr std::string_view kDefaults[3] = {"Accept", "Expect", "Content-Type"};
+        const int defaults = noBody ? 1 : 3;
+        bool has[3] = {false, false, false};
+        std::string line;
+        for (const auto& [name, value] : request.headers) {
+            for (int i = 0; i < defaults; ++i) {
+                has[i] = has[i] || sameName(name, kDefaults[i]);
+            }
+            // "Name;" is how libcurl sends a header with an empty value ("Name:" would remove it).
+            line.assign(name).append(value.empty() ? ";" : ": ").append(value);
+            headerList = curl_slist_append(headerList, line.c_str());
+        }
+        for (int i = 0; i < defaults; ++i) {
+            if (!has[i]) {
+                line.assign(kDefaults[i]).append(":");
+                headerList = curl_slist_append(headerList, line.c_str());
+            }
+        }
     }
 
     HttpResult result(CURLcode code) {
@@ -205,7 +230,10 @@ struct CurlHttpClient::Engine {
     // Worker thread only.
     std::map<CURL*, std::unique_ptr<Transfer>> running;
     static constexpr std::size_t kSpareHandles = 16;
-    std::vector<CURL*> spare;  // finished handles, reset, for reuse
+    std::vector<CURL*> spare;  // finished handles, still configured, for reuse
+    // What `start` took from `queued`; emptied, not freed, so that the two vectors trade their
+    // storage instead of allocating for each request.
+    std::vector<std::unique_ptr<Transfer>> batch;
 
     explicit Engine(Options o) : options(std::move(o)), multi(curl_multi_init()) {}
 
@@ -309,26 +337,50 @@ struct CurlHttpClient::Engine {
         return true;
     }
 
+    // Keeps the transfer's handle, still configured, for the next request (`prepare` sets what
+    // differs), having dropped its pointers into the transfer, which is about to go.
     void recycle(Transfer& transfer) {
         if (transfer.easy != nullptr && spare.size() < kSpareHandles) {
-            curl_easy_reset(transfer.easy);
-            spare.push_back(std::exchange(transfer.easy, nullptr));
+            CURL* easy = std::exchange(transfer.easy, nullptr);
+            curl_easy_setopt(easy, CURLOPT_HTTPHEADER, static_cast<curl_slist*>(nullptr));
+            curl_easy_setopt(easy, CURLOPT_POSTFIELDS, static_cast<const char*>(nullptr));
+            curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, static_cast<char*>(nullptr));
+            spare.push_back(easy);
         }
     }
 
+    // A handle for the next request: a kept one, or a new one configured for this client.
+    CURL* takeHandle(CURLcode& why) {
+        if (!spare.empty()) {
+            CURL* handle = spare.back();
+            spare.pop_back();
+            return handle;
+        }
+        CURL* handle = curl_easy_init();
+        if (handle == nullptr) {
+            why = CURLE_OUT_OF_MEMORY;
+            return nullptr;
+        }
+        why = Transfer::configureOnce(handle, options);
+        if (why != CURLE_OK) {
+            curl_easy_cleanup(handle);
+            return nullptr;
+        }
+        return handle;
+    }
+
     void start(std::vector<std::unique_ptr<Transfer>>& finished) {
-        std::vector<std::unique_ptr<Transfer>> batch;
         {
             std::lock_guard lock(mutex);
             batch.swap(queued);
         }
         for (auto& transfer : batch) {
-            CURL* handle = nullptr;
-            if (spare.empty()) {
-                handle = curl_easy_init();
-            } else {
-                handle = spare.back();
-                spare.pop_back();
+            CURLcode why = CURLE_OK;
+            CURL* handle = takeHandle(why);
+            if (handle == nullptr) {
+                transfer->done = why;
+                finished.push_back(std::move(transfer));
+                continue;
             }
             if (!transfer->prepare(handle, options)) {
                 finished.push_back(std::move(transfer));
@@ -342,6 +394,7 @@ struct CurlHttpClient::Engine {
             }
             running.emplace(easy, std::move(transfer));
         }
+        batch.clear();
     }
 
     void collect(std::vector<std::unique_ptr<Transfer>>& finished) {
@@ -362,16 +415,18 @@ struct CurlHttpClient::Engine {
         }
     }
 
-    // The transfer (its body) is released before the completion runs; its handle is kept for the
-    // next request. The client stays alive until the completion has returned: it may be the last
-    // holder, and the client's destructor then runs here, on the worker.
+    // The request's body is released before the completion runs, and the handle is kept for the
+    // next request; the rest of the transfer (small) goes after, off the caller's wait. The client
+    // stays alive until the completion has returned: it may be the last holder, and the client's
+    // destructor then runs here, on the worker.
     void deliver(std::unique_ptr<Transfer> transfer) {
         auto completion = std::move(transfer->completion);
         auto keepAlive = std::move(transfer->keepAlive);
         auto result = transfer->result(transfer->done);
         recycle(*transfer);
-        transfer.reset();
+        std::string().swap(transfer->request.body);
         completion(std::move(result));
+        transfer.reset();
     }
 };
 

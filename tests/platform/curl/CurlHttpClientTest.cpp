@@ -72,6 +72,39 @@ TEST_F(CurlClient, CompletesOnOneWorkerThreadThatMaySendAgain) {
     EXPECT_EQ(second.get_future().get(), std::pair(first.thread, std::string("second")));
 }
 
+// Handles are kept configured between requests, not reset: nothing of one request's method, body
+// or headers may reach the next one sent on the same handle.
+TEST_F(CurlClient, AKeptHandleCarriesNothingOverFromThePreviousRequest) {
+    server.on("/m", [](const LoopbackServer::Request& r) {
+        return LoopbackServer::Reply{200, r.method + " " + r.body + " " + r.header("Accept"), "text/plain"};
+    });
+    struct Step {
+        const char* method;
+        std::string body;
+        platform::HttpHeaders headers;
+        std::string answer;  // what the server saw, as it echoes it
+    };
+    const std::vector<Step> steps = {
+        {"POST", "first", {{"Accept", "x/y"}}, "POST first x/y"},
+        {"GET", "", {}, "GET  "},  // neither the POST, its body nor its header again
+        {"PUT", "second", {}, "PUT second "},
+        {"GET", "", {}, "GET  "},  // not a PUT
+        {"HEAD", "", {}, ""},
+        {"GET", "", {}, "GET  "},  // with a body again
+        {"DELETE", "", {}, "DELETE  "},
+        {"POST", "third", {}, "POST third "},
+    };
+    for (const auto& step : steps) {
+        SCOPED_TRACE(std::string(step.method) + " after the previous step");
+        auto r = request("/m", step.method, step.body);
+        r.headers = step.headers;
+        HttpResult result = exchange(std::move(r));
+        ASSERT_TRUE(result.response) << result.error.value_or("");
+        EXPECT_EQ(result.response->status, 200);
+        EXPECT_EQ(result.response->body, step.answer);
+    }
+}
+
 // A transport failure is an error with libcurl's text (the eligibility check's time-out shows it); the
 // body cap holds to the byte.
 TEST_F(CurlClient, ABodyOverTheCapIsAnError) {
