@@ -136,8 +136,32 @@ void ResolveAfterOneHeightChange(benchmark::State& state) {
     Resolve(state, &ColumnForm::lastHeight, 44, 60);
 }
 
+// The container's width is an edit variable (strong) instead of a required 390: the window is being
+// resized and each new width is suggested. The same operation the peer solver offers.
+void ResolveAfterSuggestedWidth(benchmark::State& state) {
+    ColumnForm form(static_cast<int>(state.range(0)));
+    Solver solver;
+    for (const Constraint& c : form.constraints) {
+        if (!(c == form.containerWidth)) {
+            solver.addConstraint(c);
+        }
+    }
+    solver.addEditVariable(form.container, strength::strong);
+    double value = 390;
+    AllocationCounter counter;
+    for (auto _ : state) {
+        value = value == 390 ? 428 : 390;
+        solver.suggestValue(form.container, value);
+        solver.updateVariables();
+        benchmark::DoNotOptimize(form.views.back().top.value());
+    }
+    counter.report(state, "allocs_per_solve");
+    state.counters["constraints"] = static_cast<double>(form.constraints.size() - 1);
+}
+
 BENCHMARK(SolveFromScratch)->Arg(25)->Arg(250)->Arg(2500)->Unit(benchmark::kMicrosecond);
 BENCHMARK(ResolveAfterContainerWidthChange)->Arg(25)->Arg(250)->Arg(2500)->Unit(benchmark::kMicrosecond);
 BENCHMARK(ResolveAfterOneHeightChange)->Arg(25)->Arg(250)->Arg(2500)->Unit(benchmark::kMicrosecond);
+BENCHMARK(ResolveAfterSuggestedWidth)->Arg(25)->Arg(250)->Arg(2500)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
