@@ -112,15 +112,14 @@ void Tableau::noteChanged(Symbol symbol) {
     }
 }
 
-std::vector<Symbol> Tableau::takeChangedExternals() {
-    std::vector<Symbol> changed;
+void Tableau::takeChangedExternals(std::vector<Symbol>& changed) {
+    changed.clear();
     changed.swap(changedExternals_);
     for (Symbol s : changed) {
         if (s < symbols_.size()) {
             symbols_[s].changed = false;
         }
     }
-    return changed;
 }
 
 void Tableau::checkRow(Symbol basic) {
@@ -132,6 +131,7 @@ void Tableau::checkRow(Symbol basic) {
             pinnedBroken_ = true;
         }
     } else if (info.kind != SymbolKind::External && k < -kEps) {
+        rememberInfeasible();
         infeasible_.insert(basic);
     }
 }
@@ -199,7 +199,10 @@ Row Tableau::takeRow(Symbol basic) {
     info.basic = false;
     Row row = std::move(info.row);
     info.row = Row();
-    infeasible_.erase(basic);
+    if (infeasible_.contains(basic)) {
+        rememberInfeasible();
+        infeasible_.erase(basic);
+    }
     for (const Row::Cell& cell : row.cells()) {
         noteStale(cell.symbol);
     }
@@ -373,6 +376,7 @@ bool Tableau::dualOptimize() {
     while (!infeasible_.empty()) {
         Symbol leaving = *infeasible_.begin();
         if (!isBasic(leaving) || row(leaving).constant() >= -kEps) {
+            rememberInfeasible();
             infeasible_.erase(infeasible_.begin());
             continue;
         }
@@ -398,6 +402,7 @@ bool Tableau::dualOptimize() {
         if (entering == noSymbol) {
             return false;
         }
+        rememberInfeasible();
         infeasible_.erase(infeasible_.begin());
         pivot(entering, leaving);
     }
@@ -447,17 +452,23 @@ Symbol Tableau::leavingRowForMarker(Symbol marker) {
 }
 
 void Tableau::begin() {
-    journal_ =
-        Journal{++journalCount_, symbols_.size(), {}, std::nullopt, std::nullopt, std::nullopt, infeasible_};
+    journal_.id = ++journalCount_;
+    journal_.symbolCount = symbols_.size();
+    journaling_ = true;
 }
 
 void Tableau::commit() {
-    journal_.reset();
+    journaling_ = false;
+    journal_.entries.clear();
+    journal_.released.reset();
+    journal_.objective.reset();
+    journal_.objectiveConstants.reset();
+    journal_.infeasible.reset();
 }
 
 void Tableau::rollback() {
-    Journal journal = std::move(*journal_);
-    journal_.reset();
+    journaling_ = false;
+    Journal& journal = journal_;
     // Oldest entries last, so each symbol ends in its first remembered state.
     for (auto it = journal.entries.rbegin(); it != journal.entries.rend(); ++it) {
         if (it->symbol >= journal.symbolCount) {
@@ -507,41 +518,50 @@ void Tableau::rollback() {
             objective_[i].setConstant((*journal.objectiveConstants)[i]);
         }
     }
-    infeasible_ = std::move(journal.infeasible);
+    if (journal.infeasible) {
+        infeasible_ = std::move(*journal.infeasible);
+    }
     artificial_.reset();
+    commit();
 }
 
 void Tableau::rememberRow(Symbol symbol, bool constantOnly) {
-    if (!journal_ || symbol >= journal_->symbolCount) {
+    if (!journaling_ || symbol >= journal_.symbolCount) {
         return;
     }
     SymbolInfo& info = symbols_[symbol];
-    if (info.savedIn == journal_->id) {
+    if (info.savedIn == journal_.id) {
         return;
     }
     if (constantOnly) {
-        journal_->entries.push_back({symbol, true, info.kind, info.basic, Row(info.row.constant())});
+        journal_.entries.push_back({symbol, true, info.kind, info.basic, Row(info.row.constant())});
         return;  // a later structural change still gets its own entry
     }
-    info.savedIn = journal_->id;
-    journal_->entries.push_back({symbol, false, info.kind, info.basic, info.row});
+    info.savedIn = journal_.id;
+    journal_.entries.push_back({symbol, false, info.kind, info.basic, info.row});
 }
 
 void Tableau::rememberObjective(bool constantsOnly) {
-    if (!journal_ || journal_->objective) {
+    if (!journaling_ || journal_.objective) {
         return;
     }
     if (!constantsOnly) {
-        journal_->objective = objective_;
-    } else if (!journal_->objectiveConstants) {
-        journal_->objectiveConstants = {objective_[0].constant(), objective_[1].constant(),
-                                        objective_[2].constant()};
+        journal_.objective = objective_;
+    } else if (!journal_.objectiveConstants) {
+        journal_.objectiveConstants = {objective_[0].constant(), objective_[1].constant(),
+                                       objective_[2].constant()};
     }
 }
 
 void Tableau::rememberReleased() {
-    if (journal_ && !journal_->released) {
-        journal_->released = released_;
+    if (journaling_ && !journal_.released) {
+        journal_.released = released_;
+    }
+}
+
+void Tableau::rememberInfeasible() {
+    if (journaling_ && !journal_.infeasible) {
+        journal_.infeasible = infeasible_;
     }
 }
 
