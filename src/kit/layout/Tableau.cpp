@@ -137,7 +137,11 @@ void Tableau::checkRow(Symbol basic) {
 }
 
 void Tableau::substituteEverywhere(Symbol symbol, const Row& replacement) {
-    std::vector<Symbol> dependents = column(symbol);
+    // The column ends empty (no row will depend on the symbol); lend its buffer to the loop, which
+    // never touches it, so nothing is copied.
+    column(symbol);
+    std::vector<Symbol> dependents;
+    dependents.swap(symbols_[symbol].column);
     for (Symbol b : dependents) {
         rememberRow(b);
         scratch_.clear();
@@ -156,13 +160,13 @@ void Tableau::substituteEverywhere(Symbol symbol, const Row& replacement) {
     if (artificial_) {
         artificial_->substitute(symbol, replacement);
     }
-    symbols_[symbol].column.clear();
+    dependents.clear();
+    symbols_[symbol].column.swap(dependents);
     symbols_[symbol].staleEntries = 0;
 }
 
 void Tableau::eraseEverywhere(Symbol symbol) {
-    std::vector<Symbol> dependents = column(symbol);
-    for (Symbol b : dependents) {
+    for (Symbol b : column(symbol)) {
         rememberRow(b);
         symbols_[b].row.erase(symbol);
     }
@@ -183,12 +187,9 @@ void Tableau::addRow(Symbol subject, Row row) {
     SymbolInfo& info = symbols_[subject];
     info.basic = true;
     info.row = std::move(row);
-    std::vector<Symbol> dependsOn;
-    dependsOn.reserve(info.row.cells().size());
     for (const Row::Cell& cell : info.row.cells()) {
-        dependsOn.push_back(cell.symbol);
+        symbols_[cell.symbol].column.push_back(subject);
     }
-    noteDependents(subject, dependsOn);
     checkRow(subject);
 }
 
