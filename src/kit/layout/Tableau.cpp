@@ -75,15 +75,18 @@ void Tableau::clear() {
     *this = Tableau();
 }
 
-const std::vector<Symbol>& Tableau::column(Symbol symbol) {
+const SymbolList& Tableau::column(Symbol symbol) {
     SymbolInfo& info = symbols_[symbol];
     if (info.staleEntries > 0) {
-        std::vector<Symbol>& col = info.column;
+        SymbolList& col = info.column;
         std::sort(col.begin(), col.end());
         col.erase(std::unique(col.begin(), col.end()), col.end());
-        std::erase_if(col, [&](Symbol b) {
-            return b >= symbols_.size() || !symbols_[b].basic || !symbols_[b].row.contains(symbol);
-        });
+        col.erase(std::remove_if(col.begin(), col.end(),
+                                 [&](Symbol b) {
+                                     return b >= symbols_.size() || !symbols_[b].basic ||
+                                            !symbols_[b].row.contains(symbol);
+                                 }),
+                  col.end());
         info.staleEntries = 0;
     }
     return info.column;
@@ -140,8 +143,8 @@ void Tableau::substituteEverywhere(Symbol symbol, const Row& replacement) {
     // The column ends empty (no row will depend on the symbol); lend its buffer to the loop, which
     // never touches it, so nothing is copied.
     column(symbol);
-    std::vector<Symbol> dependents;
-    dependents.swap(symbols_[symbol].column);
+    SymbolList dependents;
+    std::swap(dependents, symbols_[symbol].column);
     for (Symbol b : dependents) {
         rememberRow(b);
         scratch_.clear();
@@ -161,7 +164,7 @@ void Tableau::substituteEverywhere(Symbol symbol, const Row& replacement) {
         artificial_->substitute(symbol, replacement);
     }
     dependents.clear();
-    symbols_[symbol].column.swap(dependents);
+    std::swap(symbols_[symbol].column, dependents);
     symbols_[symbol].staleEntries = 0;
 }
 
@@ -603,7 +606,7 @@ std::string Tableau::invariantViolation() const {
         if (info.staleEntries > 0) {
             continue;
         }
-        std::vector<Symbol> sorted = info.column;
+        std::vector<Symbol> sorted(info.column.begin(), info.column.end());
         std::sort(sorted.begin(), sorted.end());
         if (std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end()) {
             return "column of " + name(s) + " repeats an entry";

@@ -10,6 +10,7 @@
 
 #include "kit/layout/Row.h"
 #include "kit/layout/Strength.h"
+#include "kit/layout/SymbolList.h"
 
 namespace ovix::kit::layout {
 
@@ -80,7 +81,7 @@ class Tableau {
         // Basic symbols whose rows depend on this one, in no particular order. Rows that stop
         // depending on it leave stale (possibly later repeated) entries; `staleEntries` counts
         // them, and `column()` cleans them out before anyone reads the list.
-        std::vector<Symbol> column;
+        SymbolList column;
         std::size_t staleEntries = 0;
         std::uint64_t savedIn = 0;  // journal that already holds this row's first state
         bool changed = false;       // listed in changedExternals_
@@ -107,7 +108,7 @@ class Tableau {
     void rememberReleased();
     void rememberInfeasible();
 
-    const std::vector<Symbol>& column(Symbol symbol);
+    const SymbolList& column(Symbol symbol);
     void noteDependents(Symbol basic, const std::vector<Symbol>& symbols);
     void noteStale(Symbol symbol);
     void noteChanged(Symbol symbol);
