@@ -54,11 +54,11 @@ bool Solver::hasConstraint(const Constraint& constraint) const {
 }
 
 SolverResult Solver::setConstant(const Constraint& constraint, double newConstant) {
-    auto it = records_.find(constraint);
-    if (it == records_.end()) {
+    Record* record = records_.find(constraint);
+    if (record == nullptr) {
         return SolverResult::UnknownConstraint;
     }
-    return changeConstant(it->second, constraint, newConstant);
+    return changeConstant(*record, constraint, newConstant);
 }
 
 SolverResult Solver::addEditVariable(const Variable& variable, double strength) {
@@ -97,7 +97,7 @@ SolverResult Solver::suggestValue(const Variable& variable, double value) {
         return SolverResult::UnknownEditVariable;
     }
     const Constraint& constraint = it->second.constraint;
-    return changeConstant(records_.at(constraint), constraint, -value);
+    return changeConstant(*records_.find(constraint), constraint, -value);
 }
 
 void Solver::updateVariables() {
@@ -122,17 +122,17 @@ std::size_t Solver::constraintCount() const {
 }
 
 double Solver::solvedValue(const Variable& variable) const {
-    auto it = variables_.find(variable);
-    return it == variables_.end() ? variable.value() : tableau_.value(it->second.symbol);
+    const VariableInfo* info = variables_.find(variable);
+    return info == nullptr ? variable.value() : tableau_.value(info->symbol);
 }
 
 Symbol Solver::symbolFor(const Variable& variable) {
-    auto [it, inserted] = variables_.try_emplace(variable, VariableInfo{noSymbol, 0});
+    auto [info, inserted] = variables_.tryEmplace(variable, VariableInfo{noSymbol, 0});
     if (!inserted) {
-        return it->second.symbol;
+        return info->symbol;
     }
     Symbol symbol = tableau_.newSymbol(SymbolKind::External);
-    it->second.symbol = symbol;
+    info->symbol = symbol;
     if (variableOf_.size() <= symbol) {
         variableOf_.resize(symbol + 1);
     }
@@ -142,27 +142,27 @@ Symbol Solver::symbolFor(const Variable& variable) {
 
 void Solver::retainVariables(const Expression& expression) {
     for (const Term& term : expression.terms) {
-        ++variables_.at(term.variable).uses;
+        ++variables_.find(term.variable)->uses;
     }
 }
 
 void Solver::releaseVariables(const Expression& expression) {
     for (const Term& term : expression.terms) {
-        auto it = variables_.find(term.variable);
-        if (--it->second.uses == 0) {
-            variableOf_[it->second.symbol].reset();
-            tableau_.releaseSymbol(it->second.symbol);
-            variables_.erase(it);
+        VariableInfo* info = variables_.find(term.variable);
+        if (--info->uses == 0) {
+            variableOf_[info->symbol].reset();
+            tableau_.releaseSymbol(info->symbol);
+            variables_.erase(term.variable);
         }
     }
 }
 
 void Solver::forgetUnusedVariables(const Expression& expression) {
     for (const Term& term : expression.terms) {
-        auto it = variables_.find(term.variable);
-        if (it != variables_.end() && it->second.uses == 0) {
-            variableOf_[it->second.symbol].reset();
-            variables_.erase(it);
+        VariableInfo* info = variables_.find(term.variable);
+        if (info != nullptr && info->uses == 0) {
+            variableOf_[info->symbol].reset();
+            variables_.erase(term.variable);
         }
     }
 }
@@ -268,14 +268,13 @@ SolverResult Solver::add(const Constraint& constraint) {
     }
     tableau_.optimize();
     retainVariables(constraint.expression());
-    records_.emplace(constraint, record);
+    records_.tryEmplace(constraint, record);
     return SolverResult::Ok;
 }
 
 SolverResult Solver::remove(const Constraint& constraint) {
-    auto it = records_.find(constraint);
-    Record record = std::move(it->second);
-    records_.erase(it);
+    Record record = *records_.find(constraint);
+    records_.erase(constraint);
 
     if (!record.required) {
         if (tableau_.kind(record.marker) == SymbolKind::Error) {

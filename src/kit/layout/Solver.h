@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "kit/layout/Constraint.h"
+#include "kit/layout/HandleMap.h"
 #include "kit/layout/Tableau.h"
 #include "kit/layout/Variable.h"
 
@@ -94,8 +95,8 @@ class Solver {
     double solvedValue(const Variable& variable) const;
 
     Tableau tableau_;
-    std::unordered_map<Constraint, Record> records_;
-    std::unordered_map<Variable, VariableInfo> variables_;
+    HandleMap<Constraint, Record> records_;
+    HandleMap<Variable, VariableInfo> variables_;
     std::vector<std::optional<Variable>> variableOf_;  // by symbol
     std::unordered_map<Variable, Edit> edits_;
     std::vector<Symbol> changed_;  // reused by updateVariables
