@@ -74,36 +74,40 @@ void Row::insert(const Row& other, double factor, std::vector<Symbol>* added, st
         }
         return;
     }
-    // Merge of two sorted cell lists into a reused buffer, so long rows cost no allocation.
-    thread_local std::vector<Cell> merged;
-    merged.clear();
-    merged.reserve(cells_.size() + other.cells_.size());
-    auto a = cells_.begin();
-    auto b = other.cells_.begin();
-    while (a != cells_.end() || b != other.cells_.end()) {
-        if (b == other.cells_.end() || (a != cells_.end() && a->symbol < b->symbol)) {
-            merged.push_back(*a++);
-        } else if (a == cells_.end() || b->symbol < a->symbol) {
-            double c = factor * b->coefficient;
-            if (!negligible(c)) {
-                merged.push_back(Cell{b->symbol, c});
-                if (added) {
-                    added->push_back(b->symbol);
-                }
-            }
-            ++b;
-        } else {
-            double add = factor * b->coefficient;
+    // Merge of two sorted cell lists in place, from the back: the row grows like any vector and
+    // needs no second buffer. Cells that fold or cancel leave a gap, closed at the end.
+    const std::size_t kept = cells_.size();
+    cells_.resize(kept + other.cells_.size());
+    Cell* first = cells_.data();
+    Cell* a = first + kept;  // one past the next own cell to place
+    const Cell* b = other.cells_.data() + other.cells_.size();
+    const Cell* bFirst = other.cells_.data();
+    Cell* out = first + cells_.size();  // cells from here on are final
+    while (b != bFirst) {
+        const Cell& theirs = b[-1];
+        if (a != first && a[-1].symbol > theirs.symbol) {
+            *--out = *--a;
+            continue;
+        }
+        double add = factor * theirs.coefficient;
+        --b;
+        if (a != first && a[-1].symbol == theirs.symbol) {
+            --a;
             if (!cancels(a->coefficient, add)) {
-                merged.push_back(Cell{a->symbol, a->coefficient + add});
+                *--out = Cell{a->symbol, a->coefficient + add};
             } else if (removed) {
                 removed->push_back(a->symbol);
             }
-            ++a;
-            ++b;
+        } else if (!negligible(add)) {
+            *--out = Cell{theirs.symbol, add};
+            if (added) {
+                added->push_back(theirs.symbol);
+            }
         }
     }
-    cells_.swap(merged);
+    // Own cells below the lowest of `other` are already in place; move the merged tail down to them.
+    Cell* tail = std::move(out, first + cells_.size(), a);
+    cells_.erase(cells_.begin() + (tail - first), cells_.end());
 }
 
 void Row::erase(Symbol symbol) {

@@ -28,6 +28,7 @@ class Row {
     void setConstant(double constant) { constant_ = constant; }
     const std::vector<Cell>& cells() const { return cells_; }
     bool empty() const { return cells_.empty(); }
+    void reserve(std::size_t cells) { cells_.reserve(cells); }
     double coefficient(Symbol symbol) const;
     bool contains(Symbol symbol) const { return coefficient(symbol) != 0; }
 

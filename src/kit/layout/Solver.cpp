@@ -54,11 +54,11 @@ bool Solver::hasConstraint(const Constraint& constraint) const {
 }
 
 SolverResult Solver::setConstant(const Constraint& constraint, double newConstant) {
-    auto it = records_.find(constraint);
-    if (it == records_.end()) {
+    Record* record = records_.find(constraint);
+    if (record == nullptr) {
         return SolverResult::UnknownConstraint;
     }
-    return changeConstant(it->second, constraint, newConstant);
+    return changeConstant(*record, constraint, newConstant);
 }
 
 SolverResult Solver::addEditVariable(const Variable& variable, double strength) {
@@ -97,11 +97,12 @@ SolverResult Solver::suggestValue(const Variable& variable, double value) {
         return SolverResult::UnknownEditVariable;
     }
     const Constraint& constraint = it->second.constraint;
-    return changeConstant(records_.at(constraint), constraint, -value);
+    return changeConstant(*records_.find(constraint), constraint, -value);
 }
 
 void Solver::updateVariables() {
-    for (Symbol s : tableau_.takeChangedExternals()) {
+    tableau_.takeChangedExternals(changed_);
+    for (Symbol s : changed_) {
         if (s < variableOf_.size() && variableOf_[s]) {
             variableOf_[s]->setValue(tableau_.value(s) + 0.0);  // no -0
         }
@@ -121,66 +122,62 @@ std::size_t Solver::constraintCount() const {
 }
 
 double Solver::solvedValue(const Variable& variable) const {
-    auto it = variables_.find(variable);
-    return it == variables_.end() ? variable.value() : tableau_.value(it->second.symbol);
+    const VariableInfo* info = variables_.find(variable);
+    return info == nullptr ? variable.value() : tableau_.value(info->symbol);
 }
 
-Symbol Solver::symbolFor(const Variable& variable, std::vector<Variable>& created) {
-    auto it = variables_.find(variable);
-    if (it != variables_.end()) {
-        return it->second.symbol;
+Symbol Solver::symbolFor(const Variable& variable) {
+    auto [info, inserted] = variables_.tryEmplace(variable, VariableInfo{noSymbol, 0});
+    if (!inserted) {
+        return info->symbol;
     }
     Symbol symbol = tableau_.newSymbol(SymbolKind::External);
-    variables_.emplace(variable, VariableInfo{symbol, 0});
+    info->symbol = symbol;
     if (variableOf_.size() <= symbol) {
         variableOf_.resize(symbol + 1);
     }
     variableOf_[symbol] = variable;
-    created.push_back(variable);
     return symbol;
 }
 
-void Solver::retainVariables(const std::vector<Variable>& variables) {
-    for (const Variable& v : variables) {
-        ++variables_.at(v).uses;
+void Solver::retainVariables(const Expression& expression) {
+    for (const Term& term : expression.terms) {
+        ++variables_.find(term.variable)->uses;
     }
 }
 
-void Solver::releaseVariables(const std::vector<Variable>& variables) {
-    for (const Variable& v : variables) {
-        auto it = variables_.find(v);
-        if (--it->second.uses == 0) {
-            variableOf_[it->second.symbol].reset();
-            tableau_.releaseSymbol(it->second.symbol);
-            variables_.erase(it);
+void Solver::releaseVariables(const Expression& expression) {
+    for (const Term& term : expression.terms) {
+        VariableInfo* info = variables_.find(term.variable);
+        if (--info->uses == 0) {
+            variableOf_[info->symbol].reset();
+            tableau_.releaseSymbol(info->symbol);
+            variables_.erase(term.variable);
         }
     }
 }
 
-SolverResult Solver::add(const Constraint& constraint) {
-    const Expression& expression = constraint.expression();
-    std::vector<Variable> created;
-    Record record{};
-    record.required = constraint.isRequired();
-    record.weights = strength::levels(constraint.strength());
-    record.constant = expression.constant;
-    record.other = noSymbol;
-    record.otherSign = 0;
-    // A refused constraint must leave no trace, down to the symbol ids later pivots compare.
-    tableau_.begin();
+void Solver::forgetUnusedVariables(const Expression& expression) {
+    for (const Term& term : expression.terms) {
+        VariableInfo* info = variables_.find(term.variable);
+        if (info != nullptr && info->uses == 0) {
+            variableOf_[info->symbol].reset();
+            variables_.erase(term.variable);
+        }
+    }
+}
 
+Row Solver::rowFor(const Constraint& constraint, Record& record) {
+    const Expression& expression = constraint.expression();
     // The expression in terms of parametric symbols only.
     Row row(expression.constant);
+    row.reserve(expression.terms.size() + 2);
     for (const Term& term : expression.terms) {
-        Symbol symbol = symbolFor(term.variable, created);
+        Symbol symbol = symbolFor(term.variable);
         if (tableau_.isBasic(symbol)) {
             row.insert(tableau_.row(symbol), term.coefficient);
         } else {
             row.insert(symbol, term.coefficient);
-        }
-        if (std::find(record.variables.begin(), record.variables.end(), term.variable) ==
-            record.variables.end()) {
-            record.variables.push_back(term.variable);
         }
     }
 
@@ -208,65 +205,76 @@ SolverResult Solver::add(const Constraint& constraint) {
     row.insert(record.marker, record.markerSign);
     if (record.other != noSymbol) {
         row.insert(record.other, record.otherSign);
+    }
+    if (row.constant() < 0) {
+        row.negate();
+    }
+    return row;
+}
+
+Symbol Solver::chooseSubject(const Row& row, const Record& record) const {
+    // An external symbol if any (external rows never limit optimisation), else a fresh slack or
+    // error that comes out >= 0.
+    for (const Row::Cell& cell : row.cells()) {
+        if (tableau_.kind(cell.symbol) == SymbolKind::External) {
+            return cell.symbol;
+        }
+    }
+    for (Symbol fresh : {record.marker, record.other}) {
+        if (fresh != noSymbol && tableau_.kind(fresh) != SymbolKind::Dummy && row.coefficient(fresh) < 0) {
+            return fresh;
+        }
+    }
+    if (allDummies(tableau_, row) && std::fabs(row.constant()) < 1e-8) {
+        // Only required equalities are involved and the constant cancels: nothing new to hold.
+        return record.marker;
+    }
+    return noSymbol;
+}
+
+SolverResult Solver::add(const Constraint& constraint) {
+    Record record{};
+    record.required = constraint.isRequired();
+    record.weights = strength::levels(constraint.strength());
+    record.constant = constraint.expression().constant;
+    record.other = noSymbol;
+    record.otherSign = 0;
+    // A refused constraint must leave no trace, down to the symbol ids later pivots compare. Only
+    // the path through an artificial variable can refuse, so a row with a subject drops the journal
+    // before the tableau's rows change and pays for no copies.
+    tableau_.begin();
+    Row row = rowFor(constraint, record);
+    Symbol subject = chooseSubject(row, record);
+    if (subject != noSymbol) {
+        tableau_.commit();
+    }
+    if (record.other != noSymbol) {
         if (tableau_.kind(record.marker) == SymbolKind::Error) {
             tableau_.addToObjective(record.marker, record.weights, 1);
         }
         tableau_.addToObjective(record.other, record.weights, 1);
     }
-    if (row.constant() < 0) {
-        row.negate();
-    }
-
-    // Subject: an external symbol if any (external rows never limit optimisation), else a fresh
-    // slack or error that comes out >= 0.
-    Symbol subject = noSymbol;
-    for (const Row::Cell& cell : row.cells()) {
-        if (tableau_.kind(cell.symbol) == SymbolKind::External) {
-            subject = cell.symbol;
-            break;
-        }
-    }
-    if (subject == noSymbol) {
-        for (Symbol fresh : {record.marker, record.other}) {
-            if (fresh != noSymbol && tableau_.kind(fresh) != SymbolKind::Dummy &&
-                row.coefficient(fresh) < 0) {
-                subject = fresh;
-                break;
-            }
-        }
-    }
-
-    bool added = true;
-    if (subject == noSymbol && allDummies(tableau_, row)) {
-        // Only required equalities are involved: consistent exactly when the constant cancels.
-        added = std::fabs(row.constant()) < 1e-8;
-        subject = added ? record.marker : noSymbol;
-    }
     if (subject != noSymbol) {
         row.solveFor(subject);
         tableau_.addRow(subject, std::move(row));
-    } else if (added) {
-        added = tableau_.addRowThroughArtificial(row);
-    }
-    if (!added) {
-        tableau_.rollback();
-        for (const Variable& v : created) {
-            variableOf_[variables_.at(v).symbol].reset();
-            variables_.erase(v);
+    } else {
+        bool refused = allDummies(tableau_, row) || !tableau_.addRowThroughArtificial(row);
+        if (refused) {
+            tableau_.rollback();
+            forgetUnusedVariables(constraint.expression());
+            return SolverResult::UnsatisfiableConstraint;
         }
-        return SolverResult::UnsatisfiableConstraint;
+        tableau_.commit();
     }
-    tableau_.commit();
     tableau_.optimize();
-    retainVariables(record.variables);
-    records_.emplace(constraint, std::move(record));
+    retainVariables(constraint.expression());
+    records_.tryEmplace(constraint, record);
     return SolverResult::Ok;
 }
 
 SolverResult Solver::remove(const Constraint& constraint) {
-    auto it = records_.find(constraint);
-    Record record = std::move(it->second);
-    records_.erase(it);
+    Record record = *records_.find(constraint);
+    records_.erase(constraint);
 
     if (!record.required) {
         if (tableau_.kind(record.marker) == SymbolKind::Error) {
@@ -284,7 +292,7 @@ SolverResult Solver::remove(const Constraint& constraint) {
     if (record.other != noSymbol) {
         tableau_.releaseSymbol(record.other);
     }
-    releaseVariables(record.variables);
+    releaseVariables(constraint.expression());
     tableau_.optimize();
     return SolverResult::Ok;
 }

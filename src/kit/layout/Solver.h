@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "kit/layout/Constraint.h"
+#include "kit/layout/HandleMap.h"
 #include "kit/layout/Tableau.h"
 #include "kit/layout/Variable.h"
 
@@ -71,11 +72,10 @@ class Solver {
         strength::Levels weights;
         bool required;
         double constant;  // the expression's constant the tableau currently reflects
-        std::vector<Variable> variables;
     };
     struct VariableInfo {
         Symbol symbol;
-        std::size_t uses;
+        std::size_t uses;  // terms of added constraints that name the variable
     };
     struct Edit {
         Constraint constraint;
@@ -84,16 +84,22 @@ class Solver {
     SolverResult add(const Constraint& constraint);
     SolverResult remove(const Constraint& constraint);
     SolverResult changeConstant(Record& record, const Constraint& constraint, double newConstant);
-    Symbol symbolFor(const Variable& variable, std::vector<Variable>& created);
-    void retainVariables(const std::vector<Variable>& variables);
-    void releaseVariables(const std::vector<Variable>& variables);
+    Symbol symbolFor(const Variable& variable);
+    /// Builds the row of `expression <relation> 0` in the record's fresh marker (and error) symbols.
+    Row rowFor(const Constraint& constraint, Record& record);
+    Symbol chooseSubject(const Row& row, const Record& record) const;
+    void retainVariables(const Expression& expression);
+    void releaseVariables(const Expression& expression);
+    /// Forgets the variables a refused constraint introduced (those no added constraint names).
+    void forgetUnusedVariables(const Expression& expression);
     double solvedValue(const Variable& variable) const;
 
     Tableau tableau_;
-    std::unordered_map<Constraint, Record> records_;
-    std::unordered_map<Variable, VariableInfo> variables_;
+    HandleMap<Constraint, Record> records_;
+    HandleMap<Variable, VariableInfo> variables_;
     std::vector<std::optional<Variable>> variableOf_;  // by symbol
     std::unordered_map<Variable, Edit> edits_;
+    std::vector<Symbol> changed_;  // reused by updateVariables
 };
 
 }  // namespace ovix::kit::layout

@@ -75,15 +75,18 @@ void Tableau::clear() {
     *this = Tableau();
 }
 
-const std::vector<Symbol>& Tableau::column(Symbol symbol) {
+const SymbolList& Tableau::column(Symbol symbol) {
     SymbolInfo& info = symbols_[symbol];
     if (info.staleEntries > 0) {
-        std::vector<Symbol>& col = info.column;
+        SymbolList& col = info.column;
         std::sort(col.begin(), col.end());
         col.erase(std::unique(col.begin(), col.end()), col.end());
-        std::erase_if(col, [&](Symbol b) {
-            return b >= symbols_.size() || !symbols_[b].basic || !symbols_[b].row.contains(symbol);
-        });
+        col.erase(std::remove_if(col.begin(), col.end(),
+                                 [&](Symbol b) {
+                                     return b >= symbols_.size() || !symbols_[b].basic ||
+                                            !symbols_[b].row.contains(symbol);
+                                 }),
+                  col.end());
         info.staleEntries = 0;
     }
     return info.column;
@@ -112,15 +115,14 @@ void Tableau::noteChanged(Symbol symbol) {
     }
 }
 
-std::vector<Symbol> Tableau::takeChangedExternals() {
-    std::vector<Symbol> changed;
+void Tableau::takeChangedExternals(std::vector<Symbol>& changed) {
+    changed.clear();
     changed.swap(changedExternals_);
     for (Symbol s : changed) {
         if (s < symbols_.size()) {
             symbols_[s].changed = false;
         }
     }
-    return changed;
 }
 
 void Tableau::checkRow(Symbol basic) {
@@ -132,12 +134,17 @@ void Tableau::checkRow(Symbol basic) {
             pinnedBroken_ = true;
         }
     } else if (info.kind != SymbolKind::External && k < -kEps) {
+        rememberInfeasible();
         infeasible_.insert(basic);
     }
 }
 
 void Tableau::substituteEverywhere(Symbol symbol, const Row& replacement) {
-    std::vector<Symbol> dependents = column(symbol);
+    // The column ends empty (no row will depend on the symbol); lend its buffer to the loop, which
+    // never touches it, so nothing is copied.
+    column(symbol);
+    SymbolList dependents;
+    std::swap(dependents, symbols_[symbol].column);
     for (Symbol b : dependents) {
         rememberRow(b);
         scratch_.clear();
@@ -156,13 +163,13 @@ void Tableau::substituteEverywhere(Symbol symbol, const Row& replacement) {
     if (artificial_) {
         artificial_->substitute(symbol, replacement);
     }
-    symbols_[symbol].column.clear();
+    dependents.clear();
+    std::swap(symbols_[symbol].column, dependents);
     symbols_[symbol].staleEntries = 0;
 }
 
 void Tableau::eraseEverywhere(Symbol symbol) {
-    std::vector<Symbol> dependents = column(symbol);
-    for (Symbol b : dependents) {
+    for (Symbol b : column(symbol)) {
         rememberRow(b);
         symbols_[b].row.erase(symbol);
     }
@@ -183,12 +190,9 @@ void Tableau::addRow(Symbol subject, Row row) {
     SymbolInfo& info = symbols_[subject];
     info.basic = true;
     info.row = std::move(row);
-    std::vector<Symbol> dependsOn;
-    dependsOn.reserve(info.row.cells().size());
     for (const Row::Cell& cell : info.row.cells()) {
-        dependsOn.push_back(cell.symbol);
+        symbols_[cell.symbol].column.push_back(subject);
     }
-    noteDependents(subject, dependsOn);
     checkRow(subject);
 }
 
@@ -199,7 +203,10 @@ Row Tableau::takeRow(Symbol basic) {
     info.basic = false;
     Row row = std::move(info.row);
     info.row = Row();
-    infeasible_.erase(basic);
+    if (infeasible_.contains(basic)) {
+        rememberInfeasible();
+        infeasible_.erase(basic);
+    }
     for (const Row::Cell& cell : row.cells()) {
         noteStale(cell.symbol);
     }
@@ -373,6 +380,7 @@ bool Tableau::dualOptimize() {
     while (!infeasible_.empty()) {
         Symbol leaving = *infeasible_.begin();
         if (!isBasic(leaving) || row(leaving).constant() >= -kEps) {
+            rememberInfeasible();
             infeasible_.erase(infeasible_.begin());
             continue;
         }
@@ -398,6 +406,7 @@ bool Tableau::dualOptimize() {
         if (entering == noSymbol) {
             return false;
         }
+        rememberInfeasible();
         infeasible_.erase(infeasible_.begin());
         pivot(entering, leaving);
     }
@@ -447,17 +456,23 @@ Symbol Tableau::leavingRowForMarker(Symbol marker) {
 }
 
 void Tableau::begin() {
-    journal_ =
-        Journal{++journalCount_, symbols_.size(), {}, std::nullopt, std::nullopt, std::nullopt, infeasible_};
+    journal_.id = ++journalCount_;
+    journal_.symbolCount = symbols_.size();
+    journaling_ = true;
 }
 
 void Tableau::commit() {
-    journal_.reset();
+    journaling_ = false;
+    journal_.entries.clear();
+    journal_.released.reset();
+    journal_.objective.reset();
+    journal_.objectiveConstants.reset();
+    journal_.infeasible.reset();
 }
 
 void Tableau::rollback() {
-    Journal journal = std::move(*journal_);
-    journal_.reset();
+    journaling_ = false;
+    Journal& journal = journal_;
     // Oldest entries last, so each symbol ends in its first remembered state.
     for (auto it = journal.entries.rbegin(); it != journal.entries.rend(); ++it) {
         if (it->symbol >= journal.symbolCount) {
@@ -507,41 +522,50 @@ void Tableau::rollback() {
             objective_[i].setConstant((*journal.objectiveConstants)[i]);
         }
     }
-    infeasible_ = std::move(journal.infeasible);
+    if (journal.infeasible) {
+        infeasible_ = std::move(*journal.infeasible);
+    }
     artificial_.reset();
+    commit();
 }
 
 void Tableau::rememberRow(Symbol symbol, bool constantOnly) {
-    if (!journal_ || symbol >= journal_->symbolCount) {
+    if (!journaling_ || symbol >= journal_.symbolCount) {
         return;
     }
     SymbolInfo& info = symbols_[symbol];
-    if (info.savedIn == journal_->id) {
+    if (info.savedIn == journal_.id) {
         return;
     }
     if (constantOnly) {
-        journal_->entries.push_back({symbol, true, info.kind, info.basic, Row(info.row.constant())});
+        journal_.entries.push_back({symbol, true, info.kind, info.basic, Row(info.row.constant())});
         return;  // a later structural change still gets its own entry
     }
-    info.savedIn = journal_->id;
-    journal_->entries.push_back({symbol, false, info.kind, info.basic, info.row});
+    info.savedIn = journal_.id;
+    journal_.entries.push_back({symbol, false, info.kind, info.basic, info.row});
 }
 
 void Tableau::rememberObjective(bool constantsOnly) {
-    if (!journal_ || journal_->objective) {
+    if (!journaling_ || journal_.objective) {
         return;
     }
     if (!constantsOnly) {
-        journal_->objective = objective_;
-    } else if (!journal_->objectiveConstants) {
-        journal_->objectiveConstants = {objective_[0].constant(), objective_[1].constant(),
-                                        objective_[2].constant()};
+        journal_.objective = objective_;
+    } else if (!journal_.objectiveConstants) {
+        journal_.objectiveConstants = {objective_[0].constant(), objective_[1].constant(),
+                                       objective_[2].constant()};
     }
 }
 
 void Tableau::rememberReleased() {
-    if (journal_ && !journal_->released) {
-        journal_->released = released_;
+    if (journaling_ && !journal_.released) {
+        journal_.released = released_;
+    }
+}
+
+void Tableau::rememberInfeasible() {
+    if (journaling_ && !journal_.infeasible) {
+        journal_.infeasible = infeasible_;
     }
 }
 
@@ -582,7 +606,7 @@ std::string Tableau::invariantViolation() const {
         if (info.staleEntries > 0) {
             continue;
         }
-        std::vector<Symbol> sorted = info.column;
+        std::vector<Symbol> sorted(info.column.begin(), info.column.end());
         std::sort(sorted.begin(), sorted.end());
         if (std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end()) {
             return "column of " + name(s) + " repeats an entry";

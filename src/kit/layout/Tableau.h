@@ -10,6 +10,7 @@
 
 #include "kit/layout/Row.h"
 #include "kit/layout/Strength.h"
+#include "kit/layout/SymbolList.h"
 
 namespace ovix::kit::layout {
 
@@ -57,11 +58,14 @@ class Tableau {
     /// The row to pivot `marker` into before dropping its constraint, keeping the others feasible.
     Symbol leavingRowForMarker(Symbol marker);
 
-    /// External symbols whose value may have changed since the last call (new ones included).
-    std::vector<Symbol> takeChangedExternals();
+    /// Replaces `changed` by the external symbols whose value may have changed since the last call
+    /// (new ones included). Buffers are swapped, so a caller that passes the same vector each time
+    /// costs no allocation.
+    void takeChangedExternals(std::vector<Symbol>& changed);
 
     /// Journals every change from here on, so that `rollback()` can bring back this exact state.
-    /// Costs a copy of each row the change touches; `commit()` drops the journal.
+    /// Costs a copy of each row the change touches; `commit()` drops the journal (its buffers are
+    /// kept for the next one). Cheap to begin: nothing is copied until something changes.
     void begin();
     void commit();
     void rollback();
@@ -77,7 +81,7 @@ class Tableau {
         // Basic symbols whose rows depend on this one, in no particular order. Rows that stop
         // depending on it leave stale (possibly later repeated) entries; `staleEntries` counts
         // them, and `column()` cleans them out before anyone reads the list.
-        std::vector<Symbol> column;
+        SymbolList column;
         std::size_t staleEntries = 0;
         std::uint64_t savedIn = 0;  // journal that already holds this row's first state
         bool changed = false;       // listed in changedExternals_
@@ -90,20 +94,21 @@ class Tableau {
             bool basic;
             Row row;
         };
-        std::uint64_t id;
-        std::size_t symbolCount;
+        std::uint64_t id = 0;
+        std::size_t symbolCount = 0;
         std::vector<Entry> entries;
         std::optional<std::vector<Symbol>> released;
         std::optional<std::array<Row, 3>> objective;
         std::optional<std::array<double, 3>> objectiveConstants;
-        std::set<Symbol> infeasible;
+        std::optional<std::set<Symbol>> infeasible;
     };
 
     void rememberRow(Symbol symbol, bool constantOnly = false);
     void rememberObjective(bool constantsOnly = false);
     void rememberReleased();
+    void rememberInfeasible();
 
-    const std::vector<Symbol>& column(Symbol symbol);
+    const SymbolList& column(Symbol symbol);
     void noteDependents(Symbol basic, const std::vector<Symbol>& symbols);
     void noteStale(Symbol symbol);
     void noteChanged(Symbol symbol);
@@ -125,7 +130,8 @@ class Tableau {
     std::vector<Symbol> scratch_;
     std::vector<Symbol> scratchRemoved_;
     std::vector<Symbol> changedExternals_;
-    std::optional<Journal> journal_;
+    Journal journal_;
+    bool journaling_ = false;
     std::uint64_t journalCount_ = 0;
 };
 

@@ -119,6 +119,57 @@ TEST(Solver, ForgetsVariablesNoConstraintMentionsAndResets) {
     EXPECT_NEAR(y.value(), 8, kTight);
 }
 
+TEST(Solver, RefusedConstraintLeavesNoVariableBehind) {
+    // z appears only in a refused constraint (its terms cancel, so the row has no unknown to solve
+    // for): the solver must forget it, or a later constraint on z reuses a symbol the refusal took
+    // back.
+    Variable x("x"), z("z");
+    Solver solver;
+    ASSERT_EQ(solver.addConstraint(Expression(x) == 10), SolverResult::Ok);
+    EXPECT_EQ(solver.addConstraint(x + z - z == 11), SolverResult::UnsatisfiableConstraint);
+    EXPECT_EQ(solver.invariantViolation(), "");
+    z.setValue(-7);
+    solver.updateVariables();
+    EXPECT_EQ(z.value(), -7) << "a variable of a refused constraint is not written";
+    Variable w("w");
+    ASSERT_EQ(solver.addConstraint(w == x + 1), SolverResult::Ok);
+    ASSERT_EQ(solver.addConstraint(Expression(z) == 5), SolverResult::Ok);
+    EXPECT_EQ(solver.invariantViolation(), "");
+    solver.updateVariables();
+    EXPECT_NEAR(z.value(), 5, kTight);
+    EXPECT_NEAR(w.value(), 11, kTight);
+}
+
+TEST(Solver, VariableStaysWhileAnyConstraintNamesIt) {
+    // The solver counts every term that names a variable; a variable written twice in one
+    // constraint must not be dropped, nor kept, by a miscount when constraints go.
+    struct Case {
+        const char* name;
+        std::size_t removeFirst;  // index into the constraints below
+    };
+    for (const Case& c : {Case{"repeated term goes first", 0}, Case{"single term goes first", 1}}) {
+        SCOPED_TRACE(c.name);
+        Variable x("x"), y("y");
+        Solver solver;
+        std::vector<Constraint> constraints{(x + x == 10) | strength::weak, y == x + 1};
+        for (const Constraint& constraint : constraints) {
+            ASSERT_EQ(solver.addConstraint(constraint), SolverResult::Ok);
+        }
+        ASSERT_EQ(solver.removeConstraint(constraints[c.removeFirst]), SolverResult::Ok);
+        Constraint pin = Expression(x) == 3;
+        ASSERT_EQ(solver.addConstraint(pin), SolverResult::Ok);
+        solver.updateVariables();
+        if (c.removeFirst == 0) {
+            EXPECT_NEAR(y.value(), 4, kTight) << "y still follows x";
+        }
+        ASSERT_EQ(solver.removeConstraint(constraints[1 - c.removeFirst]), SolverResult::Ok);
+        ASSERT_EQ(solver.setConstant(pin, -4), SolverResult::Ok);
+        EXPECT_EQ(solver.invariantViolation(), "");
+        solver.updateVariables();
+        EXPECT_NEAR(x.value(), 4, kTight) << "x is still solved for";
+    }
+}
+
 TEST(Solver, SameCallsGiveTheSameValues) {
     // Many optima (only weak wishes share the slack): the pivot order alone decides which one, so
     // it must not depend on where the objects happen to live in memory.
