@@ -117,6 +117,41 @@ void LayoutEngine::layoutTree(View& root) {
     gLayingOut = false;
 }
 
+const LayoutEngine* LayoutEngine::of(const View& root) {
+    return root.engine_.get();
+}
+
+std::vector<layout::Constraint> LayoutEngine::installedConstraints() const {
+    std::vector<layout::Constraint> out;
+    for (auto& key : generatedOrder_) {
+        const GeneratedEntry& e = generated_.at(key);
+        if (e.installed) {
+            out.push_back(e.constraint);
+        }
+    }
+    std::vector<std::pair<std::uint64_t, const layout::Constraint*>> user;
+    for (auto& [source, e] : user_) {
+        if (e.installed) {
+            user.emplace_back(source->activationOrder_, &e.constraint);
+        }
+    }
+    std::sort(user.begin(), user.end());
+    for (auto& [order, c] : user) {
+        out.push_back(*c);
+    }
+    return out;
+}
+
+const layout::Constraint* LayoutEngine::solverConstraintFor(const LayoutConstraint& constraint) const {
+    auto it = user_.find(&constraint);
+    return it != user_.end() && it->second.installed ? &it->second.constraint : nullptr;
+}
+
+const LayoutEngine::Box* LayoutEngine::variablesOf(const LayoutItem& item) const {
+    auto it = items_.find(&item);
+    return it == items_.end() ? nullptr : &it->second;
+}
+
 Size LayoutEngine::fittingSize(View& view, Size target, float horizontalPriority, float verticalPriority) {
     LayoutEngine engine;
     Fitting fitting{target, horizontalPriority, verticalPriority};
@@ -148,11 +183,9 @@ LayoutEngine::ItemVariables& LayoutEngine::variablesFor(const std::shared_ptr<La
         return it->second;
     }
     std::string name = item->debugName();
-    ItemVariables v{item,
-                    layout::Variable(name + ".left"),
-                    layout::Variable(name + ".top"),
-                    layout::Variable(name + ".width"),
-                    layout::Variable(name + ".height"),
+    ItemVariables v{{layout::Variable(name + ".left"), layout::Variable(name + ".top"),
+                     layout::Variable(name + ".width"), layout::Variable(name + ".height")},
+                    item,
                     true};
     items_.insert_or_assign(item.get(), std::move(v));
     return items_.at(item.get());

@@ -37,10 +37,23 @@ class LayoutEngine {
     /// See `View::systemLayoutSizeFitting`.
     static Size fittingSize(View& view, Size target, float horizontalPriority, float verticalPriority);
 
-  private:
-    struct ItemVariables {
-        std::weak_ptr<LayoutItem> item;
+    /// Read-only views of the engine for benchmarks and tests, which compare a pass with the bare
+    /// solver on the same system. The engine of `root`'s tree, null before its first pass.
+    static const LayoutEngine* of(const View& root);
+    /// The constraints the solver holds, in an order a fresh solver can take them in: generated
+    /// ones first, then the user's in activation order.
+    std::vector<layout::Constraint> installedConstraints() const;
+    /// The solver constraint that stands for `constraint`; null when it is not installed.
+    const layout::Constraint* solverConstraintFor(const LayoutConstraint& constraint) const;
+    /// An item's rectangle in the root's space; null outside the pass.
+    struct Box {
         layout::Variable left, top, width, height;
+    };
+    const Box* variablesOf(const LayoutItem& item) const;
+
+  private:
+    struct ItemVariables : Box {
+        std::weak_ptr<LayoutItem> item;
         bool seen = false;
     };
     struct UserEntry {
