@@ -18,7 +18,8 @@ std::uint64_t gChanges = 0;
 std::uint64_t gInputs = 0;
 /// Changes a kept engine may discount: constant changes it was told about, and the re-layout marks
 /// caused by frames it wrote itself that nothing is solved from.
-std::uint64_t gFree = 0;
+std::uint64_t gNoted = 0;
+std::uint64_t gWritten = 0;
 bool gLayingOut = false;
 
 /// Solved values carry floating-point noise; whole numbers come back whole.
@@ -90,7 +91,7 @@ void LayoutEngine::noteConstantChange(LayoutConstraint& constraint, View& holder
     std::uint64_t before = gChanges;
     ++gChanges;
     holder.setNeedsLayout();
-    gFree += gChanges - before;
+    gNoted += gChanges - before;
     auto root = holder.rootView();
     if (LayoutEngine* engine = root->engine_.get()) {
         engine->noted_.push_back(constraint.weak_from_this());
@@ -120,8 +121,8 @@ void LayoutEngine::layoutTree(View& root) {
     bool settled = false;
     for (int round = 0; round < 8; ++round) {
         std::uint64_t before = gChanges;
-        std::uint64_t freeBefore = gFree;
-        root.engine_->pass(root, round == 0);
+        std::uint64_t writtenBefore = gWritten;
+        root.engine_->pass(root);
         std::vector<std::shared_ptr<View>> tree;
         collect(root, tree);
         for (auto& view : tree) {
@@ -130,22 +131,20 @@ void LayoutEngine::layoutTree(View& root) {
                 view->layoutSubviews();
             }
         }
-        if (gChanges - before == gFree - freeBefore) {
+        if (gChanges - before == gWritten - writtenBefore) {
             settled = true;
             break;
         }
     }
-    LayoutEngine& engine = *root.engine_;
-    engine.synced_ = settled;
-    engine.syncedChanges_ = gChanges;
-    engine.syncedFree_ = gFree;
+    root.engine_->synced_ = root.engine_->synced_ && settled;
     gLayingOut = false;
 }
 
-void LayoutEngine::pass(View& root, bool mayUseNotes) {
+void LayoutEngine::pass(View& root) {
     // Since the solver last matched the tree, nothing changed but noted constants and frames this
     // engine wrote: update those constraints alone.
-    bool notedOnly = mayUseNotes && synced_ && !broken_ && gChanges - syncedChanges_ == gFree - syncedFree_;
+    bool notedOnly = synced_ && !broken_ &&
+                     gChanges - syncedChanges_ == (gNoted - syncedNoted_) + (gWritten - syncedWritten_);
     if (notedOnly && applyNotedConstants()) {
         solver_.updateVariables();
     } else {
@@ -154,6 +153,10 @@ void LayoutEngine::pass(View& root, bool mayUseNotes) {
         collectTargets(views, root);
     }
     noted_.clear();
+    synced_ = true;
+    syncedChanges_ = gChanges;
+    syncedNoted_ = gNoted;
+    syncedWritten_ = gWritten;
     writeBack();
 }
 
@@ -717,7 +720,8 @@ void LayoutEngine::collectTargets(const std::vector<std::shared_ptr<View>>& view
     frameFeedsGuides_ = false;
     for (auto& view : views) {
         Target t;
-        t.view = view;
+        t.view = view.get();
+        t.weak = view;
         t.box = &items_.at(view.get());
         if (view.get() != &root && !view->translatesAutoresizingMaskIntoConstraints()) {
             t.parent = &items_.at(view->superview().get());
@@ -725,7 +729,7 @@ void LayoutEngine::collectTargets(const std::vector<std::shared_ptr<View>>& view
         auto add = [&](const std::shared_ptr<LayoutGuide>& guide) {
             auto it = guide ? items_.find(guide.get()) : items_.end();
             if (it != items_.end()) {
-                t.guides.emplace_back(guide, &it->second);
+                t.guides.emplace_back(guide.get(), &it->second);
             }
         };
         add(view->safeAreaGuide_);
@@ -750,7 +754,16 @@ void LayoutEngine::writeBack() {
         return Rect{snap(v.left.value() - origin.left.value()), snap(v.top.value() - origin.top.value()),
                     snap(v.width.value()), snap(v.height.value())};
     };
+    const std::uint64_t inputsAtStart = gInputs;
     for (auto& t : targets_) {
+        // A hook run by an earlier frame may have changed the tree: then only views still alive.
+        std::shared_ptr<View> held;
+        if (gInputs != inputsAtStart) {
+            held = t.weak.lock();
+            if (!held) {
+                continue;
+            }
+        }
         View& view = *t.view;
         if (t.parent) {
             Rect frame = rectOf(*t.box, *t.parent);
@@ -760,11 +773,19 @@ void LayoutEngine::writeBack() {
                 view.setFrame(frame);
                 // The re-layout marks of a frame nothing is solved from need no further round.
                 if (gInputs == inputs && !t.feedsSolver && !frameFeedsGuides_) {
-                    gFree += gChanges - before;
+                    gWritten += gChanges - before;
                 }
             }
         }
         for (auto& [guide, box] : t.guides) {
+            auto owned = [&, g = guide] {
+                auto& list = view.layoutGuides();
+                return view.safeAreaGuide_.get() == g || view.marginsGuide_.get() == g ||
+                       std::any_of(list.begin(), list.end(), [g](auto& other) { return other.get() == g; });
+            };
+            if (gInputs != inputsAtStart && !owned()) {
+                continue;
+            }
             guide->layoutFrame_ = rectOf(*box, *t.box);
             if (guide->kind() == LayoutGuide::Kind::scrollContent) {
                 view.contentLayoutGuideDidResolve(guide->layoutFrame_.size);

@@ -144,17 +144,20 @@ class LayoutEngine {
         std::unordered_set<const LayoutItem*> guides;
     };
     /// A view whose frame or guides the pass writes, with its variables (and its superview's when
-    /// its frame is written), kept from the last full sync for the passes that follow.
+    /// its frame is written), kept from the last full sync for the passes that follow. The engine
+    /// does not keep views alive: the plain pointers are used only while no view has left the tree
+    /// since they were taken (leaving is a change that makes the next pass a full sync).
     struct Target {
-        std::shared_ptr<View> view;
+        View* view = nullptr;
+        std::weak_ptr<View> weak;
         const ItemVariables* box = nullptr;
         const ItemVariables* parent = nullptr;  // null: the frame is not the engine's to write
         bool feedsSolver = false;               // its size is an input (a fixed-frame subview's)
-        std::vector<std::pair<std::shared_ptr<LayoutGuide>, const ItemVariables*>> guides;
+        std::vector<std::pair<LayoutGuide*, const ItemVariables*>> guides;
     };
 
     /// One round of `layoutTree`: the solver brought up to date, then the frames written.
-    void pass(View& root, bool mayUseNotes);
+    void pass(View& root);
     /// Applies the noted constant changes; false when one needs the full comparison instead.
     bool applyNotedConstants();
     /// Brings the solver up to date with the tree; returns the views with variables, top-down.
@@ -208,7 +211,8 @@ class LayoutEngine {
     /// The change counters when the solver last matched the tree; while every change since is one
     /// the engine can discount or was noted, a pass applies the notes alone.
     std::uint64_t syncedChanges_ = 0;
-    std::uint64_t syncedFree_ = 0;
+    std::uint64_t syncedNoted_ = 0;
+    std::uint64_t syncedWritten_ = 0;
     bool synced_ = false;
     bool broken_ = false;            // some constraint did not fit at the last full sync
     bool frameFeedsGuides_ = false;  // a safe-area guide is solved: frames are inputs  // a safe-area guide
