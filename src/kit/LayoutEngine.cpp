@@ -124,7 +124,9 @@ void LayoutEngine::layoutTree(View& root) {
         std::uint64_t writtenBefore = gWritten;
         root.engine_->pass(root);
         std::vector<std::shared_ptr<View>> tree;
+        tree.reserve(root.engine_->treeSize_);
         collect(root, tree);
+        root.engine_->treeSize_ = tree.size();
         for (auto& view : tree) {
             if (view->needsLayout_ && view->isDescendantOf(root)) {
                 view->needsLayout_ = false;

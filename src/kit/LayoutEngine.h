@@ -218,6 +218,7 @@ class LayoutEngine {
     bool frameFeedsGuides_ = false;  // a safe-area guide is solved: frames are inputs  // a safe-area guide
                                      // is solved: frames are inputs
     std::uint64_t fullSyncs_ = 0;
+    std::size_t treeSize_ = 0;  // views in the tree at the last round
 
     friend class View;
 };
