@@ -174,7 +174,7 @@ void LayoutAgainstSolver(benchmark::State& state) {
         const auto* changed = engine.solverConstraintFor(*solverForm.firstTop);
         FrameWriter writer(engine, *solverForm.root);
         double constant = 20;
-        for (int batch = 0; batch < 5; ++batch) {
+        for (int batch = 0; batch < 15; ++batch) {
             auto start = Clock::now();
             for (int i = 0; i < relayoutReps; ++i) {
                 constant = constant == 20 ? 100 : 20;

@@ -20,6 +20,8 @@ std::uint64_t gInputs = 0;
 /// caused by frames it wrote itself that nothing is solved from.
 std::uint64_t gNoted = 0;
 std::uint64_t gWritten = 0;
+/// Views that left a tree: until this moves, plain pointers into a tree stay valid.
+std::uint64_t gDepartures = 0;
 bool gLayingOut = false;
 
 /// Solved values carry floating-point noise; whole numbers come back whole.
@@ -76,6 +78,14 @@ void collect(View& view, std::vector<std::shared_ptr<View>>& views) {
     }
 }
 
+template <class Out>
+void collectPlain(View& view, Out& out) {
+    out.insert(out.end(), &view);
+    for (auto& child : view.subviews()) {
+        collectPlain(*child, out);
+    }
+}
+
 }  // namespace
 
 void LayoutEngine::noteChange() {
@@ -85,6 +95,11 @@ void LayoutEngine::noteChange() {
 
 void LayoutEngine::noteNeedsLayout() {
     ++gChanges;
+}
+
+void LayoutEngine::noteDeparture() {
+    ++gDepartures;
+    noteChange();
 }
 
 void LayoutEngine::noteConstantChange(LayoutConstraint& constraint, View& holder) {
@@ -123,16 +138,7 @@ void LayoutEngine::layoutTree(View& root) {
         std::uint64_t before = gChanges;
         std::uint64_t writtenBefore = gWritten;
         root.engine_->pass(root);
-        std::vector<std::shared_ptr<View>> tree;
-        tree.reserve(root.engine_->treeSize_);
-        collect(root, tree);
-        root.engine_->treeSize_ = tree.size();
-        for (auto& view : tree) {
-            if (view->needsLayout_ && view->isDescendantOf(root)) {
-                view->needsLayout_ = false;
-                view->layoutSubviews();
-            }
-        }
+        root.engine_->sweep(root);
         if (gChanges - before == gWritten - writtenBefore) {
             settled = true;
             break;
@@ -140,6 +146,31 @@ void LayoutEngine::layoutTree(View& root) {
     }
     root.engine_->synced_ = root.engine_->synced_ && settled;
     gLayingOut = false;
+}
+
+void LayoutEngine::sweep(View& root) {
+    // The tree as the sweep begins, top-down; a view added meanwhile waits for the next round, one
+    // that left is skipped.
+    std::vector<View*> tree;
+    tree.reserve(treeSize_);
+    collectPlain(root, tree);
+    treeSize_ = tree.size();
+    std::uint64_t departures = gDepartures;
+    std::unordered_set<View*> inTree;
+    bool checkTree = false;
+    for (View* view : tree) {
+        if (gDepartures != departures) {
+            departures = gDepartures;
+            inTree.clear();
+            collectPlain(root, inTree);
+            checkTree = true;
+        }
+        if ((!checkTree || inTree.count(view)) && view->needsLayout_) {
+            view->needsLayout_ = false;
+            auto keepView = view->self<View>();  // its layout may drop the last other reference
+            view->layoutSubviews();
+        }
+    }
 }
 
 void LayoutEngine::pass(View& root) {
@@ -756,11 +787,11 @@ void LayoutEngine::writeBack() {
         return Rect{snap(v.left.value() - origin.left.value()), snap(v.top.value() - origin.top.value()),
                     snap(v.width.value()), snap(v.height.value())};
     };
-    const std::uint64_t inputsAtStart = gInputs;
+    const std::uint64_t departuresAtStart = gDepartures;
     for (auto& t : targets_) {
         // A hook run by an earlier frame may have changed the tree: then only views still alive.
         std::shared_ptr<View> held;
-        if (gInputs != inputsAtStart) {
+        if (gDepartures != departuresAtStart) {
             held = t.weak.lock();
             if (!held) {
                 continue;
@@ -785,7 +816,7 @@ void LayoutEngine::writeBack() {
                 return view.safeAreaGuide_.get() == g || view.marginsGuide_.get() == g ||
                        std::any_of(list.begin(), list.end(), [g](auto& other) { return other.get() == g; });
             };
-            if (gInputs != inputsAtStart && !owned()) {
+            if (gDepartures != departuresAtStart && !owned()) {
                 continue;
             }
             guide->layoutFrame_ = rectOf(*box, *t.box);

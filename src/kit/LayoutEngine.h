@@ -37,6 +37,8 @@ class LayoutEngine {
     /// `constraint`'s constant or priority changed while installed on `holder`: marks the holder for
     /// layout and lets the next pass update just that constraint.
     static void noteConstantChange(LayoutConstraint& constraint, View& holder);
+    /// A view left its superview (a change like any other; plain pointers into trees may dangle).
+    static void noteDeparture();
     static std::uint64_t changeCount();
     static bool isLayingOut();
 
@@ -145,7 +147,7 @@ class LayoutEngine {
     };
     /// A view whose frame or guides the pass writes, with its variables (and its superview's when
     /// its frame is written), kept from the last full sync for the passes that follow. The engine
-    /// does not keep views alive: the plain pointers are used only while no view has left the tree
+    /// does not keep views alive: the plain pointers are used only while no view has left a tree
     /// since they were taken (leaving is a change that makes the next pass a full sync).
     struct Target {
         View* view = nullptr;
@@ -158,6 +160,8 @@ class LayoutEngine {
 
     /// One round of `layoutTree`: the solver brought up to date, then the frames written.
     void pass(View& root);
+    /// `layoutSubviews` top-down on the views that need it.
+    void sweep(View& root);
     /// Applies the noted constant changes; false when one needs the full comparison instead.
     bool applyNotedConstants();
     /// Brings the solver up to date with the tree; returns the views with variables, top-down.

@@ -268,7 +268,7 @@ void View::detachFromSuperview() {
     }
     superview_.reset();
     engine_.reset();
-    LayoutEngine::noteChange();
+    LayoutEngine::noteDeparture();
     parent->setNeedsLayout();
 }
 

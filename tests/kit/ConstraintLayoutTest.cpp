@@ -470,5 +470,52 @@ TEST_F(ConstraintLayout, TheKeptEngineDoesNotKeepARemovedViewAlive) {
     root->layoutIfNeeded();
 }
 
+// Runs a closure where a view's layout or size change would run its own code.
+class Hook : public View {
+  public:
+    std::function<void()> onLayout, onResize;
+    void layoutSubviews() override {
+        if (onLayout) {
+            onLayout();
+        }
+    }
+
+  protected:
+    void boundsSizeDidChange(kit::Size) override {
+        if (onResize) {
+            onResize();
+        }
+    }
+};
+
+TEST_F(ConstraintLayout, AViewReleasedByAnEarlierViewsCodeDuringThePassIsSkipped) {
+    for (bool duringFrames : {false, true}) {
+        SCOPED_TRACE(duringFrames ? "while frames are written" : "while views lay out their subviews");
+        auto root = View::create({0, 0, 100, 100});
+        auto first = constrainedIn<Hook>(root, std::make_shared<Hook>());
+        auto victim = constrainedIn<Hook>(root, std::make_shared<Hook>());
+        for (auto& v : {std::static_pointer_cast<View>(first), std::static_pointer_cast<View>(victim)}) {
+            LayoutConstraint::activate({v->topAnchor().constraintEqualTo(root->topAnchor()),
+                                        v->leadingAnchor().constraintEqualTo(root->leadingAnchor()),
+                                        v->widthAnchor().constraintEqualToConstant(10),
+                                        v->heightAnchor().constraintEqualToConstant(10)});
+        }
+        int victimLayouts = 0;
+        victim->onLayout = [&] { ++victimLayouts; };
+        std::weak_ptr<Hook> gone = victim;
+        victim.reset();
+        auto drop = [gone] {
+            if (auto v = gone.lock()) {
+                v->removeFromSuperview();
+            }
+        };
+        (duringFrames ? first->onResize : first->onLayout) = drop;
+        root->layoutIfNeeded();
+        EXPECT_TRUE(gone.expired());
+        EXPECT_EQ(victimLayouts, 0);
+        EXPECT_EQ(first->frame(), (Rect{0, 0, 10, 10}));
+    }
+}
+
 }  // namespace
 }  // namespace ovix::test
