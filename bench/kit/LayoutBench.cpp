@@ -80,6 +80,7 @@ void RelayoutAfterConstantChange(benchmark::State& state) {
     installPlatform();
     Form form(static_cast<int>(state.range(0)));
     form.root->layoutIfNeeded();
+    const auto fullSyncs = LayoutEngine::of(*form.root)->fullSyncCount();
     double constant = 20;
     for (auto _ : state) {
         constant = constant == 20 ? 100 : 20;
@@ -87,6 +88,7 @@ void RelayoutAfterConstantChange(benchmark::State& state) {
         form.root->layoutIfNeeded();
         benchmark::DoNotOptimize(form.root->subviews().back()->frame());
     }
+    state.counters["full_syncs"] = static_cast<double>(LayoutEngine::of(*form.root)->fullSyncCount() - fullSyncs);
     state.SetComplexityN(state.range(0) * 4);
 }
 
