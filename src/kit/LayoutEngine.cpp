@@ -424,8 +424,10 @@ void LayoutEngine::generate(Key key, const LayoutItem& subject, layout::Expressi
                      false,
                      true,
                      false};
-    e.installed = tryAdd(e.constraint);
-    rebuildNeeded_ = rebuildNeeded_ || !e.installed;
+    if (!deferAdds_) {
+        e.installed = tryAdd(e.constraint);
+        rebuildNeeded_ = rebuildNeeded_ || !e.installed;
+    }
     generated_.insert_or_assign(key, std::move(e));
 }
 
@@ -453,8 +455,8 @@ void LayoutEngine::syncUser(const std::shared_ptr<LayoutConstraint>& c) {
     auto it = user_.find(c.get());
     if (it == user_.end() || it->second.source.lock() != c) {
         UserEntry e{c, build(), c->revision_, c->priority(), false, true, false};
-        e.installed = tryAdd(e.constraint);
-        if (!e.installed) {
+        e.installed = !deferAdds_ && tryAdd(e.constraint);
+        if (!e.installed && !deferAdds_) {
             breakIt(e);
         }
         user_.insert_or_assign(c.get(), std::move(e));
@@ -490,6 +492,23 @@ void LayoutEngine::syncUser(const std::shared_ptr<LayoutConstraint>& c) {
     }
 }
 
+void LayoutEngine::addDeferred(const std::vector<std::shared_ptr<LayoutConstraint>>& active) {
+    deferAdds_ = false;
+    for (auto& key : generatedOrder_) {
+        GeneratedEntry& e = generated_.at(key);
+        e.installed = tryAdd(e.constraint);
+        rebuildNeeded_ = rebuildNeeded_ || !e.installed;
+    }
+    for (auto& c : active) {
+        UserEntry& e = user_.at(c.get());
+        e.installed = tryAdd(e.constraint);
+        if (!e.installed) {
+            e.warned = true;
+            warnBroken(c->description());
+        }
+    }
+}
+
 void LayoutEngine::rebuild(const std::vector<std::shared_ptr<LayoutConstraint>>& active) {
     solver_.reset();
     for (auto& key : generatedOrder_) {
@@ -515,6 +534,9 @@ std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting*
     beginPass();
     Scope scope = scopeOf(root);
     dropStaleUserEntries(scope.active);
+    // A first pass describes everything before the solver takes it, in the same order, so the
+    // solver's rows are made in one go.
+    deferAdds_ = generated_.empty() && user_.empty();
     for (auto& view : scope.views) {
         auto& v = variablesFor(view);
         bool isRoot = view.get() == &root;
@@ -535,6 +557,9 @@ std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting*
     dropUnseenGenerated();
     for (auto& c : scope.active) {
         syncUser(c);
+    }
+    if (deferAdds_) {
+        addDeferred(scope.active);
     }
     if (rebuildNeeded_) {
         rebuild(scope.active);

@@ -199,6 +199,8 @@ class LayoutEngine {
     /// win), then the user's in activation order; whatever no longer fits is broken.
     void rebuild(const std::vector<std::shared_ptr<LayoutConstraint>>& active);
     bool tryAdd(const layout::Constraint& constraint);
+    /// The first pass's constraints, described but not yet added: generated first, then the user's.
+    void addDeferred(const std::vector<std::shared_ptr<LayoutConstraint>>& active);
 
     layout::Solver solver_;
     std::unordered_map<const LayoutItem*, ItemVariables> items_;
@@ -206,6 +208,7 @@ class LayoutEngine {
     std::unordered_map<Key, GeneratedEntry, KeyHash> generated_;
     std::vector<Key> generatedOrder_;  // this pass's keys, in generation order
     bool rebuildNeeded_ = false;
+    bool deferAdds_ = false;
     /// Widths to size wrapping content at while measuring (`fittingSize` iterates on them).
     std::unordered_map<const View*, double> proposedWidth_;
 
