@@ -88,7 +88,8 @@ void RelayoutAfterConstantChange(benchmark::State& state) {
         form.root->layoutIfNeeded();
         benchmark::DoNotOptimize(form.root->subviews().back()->frame());
     }
-    state.counters["full_syncs"] = static_cast<double>(LayoutEngine::of(*form.root)->fullSyncCount() - fullSyncs);
+    state.counters["full_syncs"] =
+        static_cast<double>(LayoutEngine::of(*form.root)->fullSyncCount() - fullSyncs);
     state.SetComplexityN(state.range(0) * 4);
 }
 

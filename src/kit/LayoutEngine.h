@@ -20,11 +20,13 @@ class LayoutGuide;
 /// Turns a view tree's constraints into a solver system and solved values back into frames.
 ///
 /// One engine lives on the root view of a tree and is kept between passes, with its solver and the
-/// solver constraint standing for each layout constraint. A pass after nothing but constant or
-/// priority changes of installed constraints touches just those constraints (noted as they change)
-/// and writes back the frames that moved. Any other change (constraints or views added or removed,
-/// a fixed frame, an intrinsic size, a guide's insets) brings the solver up to date by comparing:
-/// only what differs from the last pass is removed, added or changed. Positions are solved in the
+/// solver constraint standing for each layout constraint. A pass after nothing but constant changes
+/// of installed constraints touches just those constraints (noted as they change) and writes back
+/// the frames that moved. Any other change, in any tree (the change counters are process-wide):
+/// constraints or views added or removed, a priority, a fixed frame, an intrinsic size, a guide's
+/// insets, brings the solver up to date by comparing: only what differs from the last pass is
+/// removed, added or changed. Frames the engine writes need no further round unless something is
+/// solved from them (a safe area, a fixed-frame subview's superview). Positions are solved in the
 /// root's space with scroll offsets left out (a scroll view's subviews are laid out in content
 /// coordinates). Main thread only.
 class LayoutEngine {
