@@ -138,8 +138,7 @@ void LayoutConstraint::setConstant(double constant) {
         constant_ = constant;
         ++revision_;
         if (auto holder = holder_.lock()) {
-            LayoutEngine::noteChange();
-            holder->setNeedsLayout();
+            LayoutEngine::noteConstantChange(*this, *holder);
         }
     }
 }
@@ -150,8 +149,7 @@ void LayoutConstraint::setPriority(float priority) {
         priority_ = priority;
         ++revision_;
         if (auto holder = holder_.lock()) {
-            LayoutEngine::noteChange();
-            holder->setNeedsLayout();
+            LayoutEngine::noteConstantChange(*this, *holder);
         }
     }
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <sstream>
 #include <unordered_set>
 #include <utility>
 
@@ -15,6 +14,14 @@ namespace ovix::kit {
 namespace {
 
 std::uint64_t gChanges = 0;
+/// Changes that are not merely a view marked for `layoutSubviews`.
+std::uint64_t gInputs = 0;
+/// Changes a kept engine may discount: constant changes it was told about, and the re-layout marks
+/// caused by frames it wrote itself that nothing is solved from.
+std::uint64_t gNoted = 0;
+std::uint64_t gWritten = 0;
+/// Views that left a tree: until this moves, plain pointers into a tree stay valid.
+std::uint64_t gDepartures = 0;
 bool gLayingOut = false;
 
 /// Solved values carry floating-point noise; whole numbers come back whole.
@@ -47,12 +54,6 @@ layout::Relation toSolver(LayoutRelation relation) {
     return layout::Relation::Equal;
 }
 
-std::string keyOf(const void* item, const char* slot) {
-    std::ostringstream out;
-    out << item << "/" << slot;
-    return out.str();
-}
-
 constexpr double kRequired = layout::strength::required;
 
 /// How much of a change in the superview's length each flexible part of a fixed frame takes: the
@@ -77,10 +78,44 @@ void collect(View& view, std::vector<std::shared_ptr<View>>& views) {
     }
 }
 
+template <class Out>
+void collectPlain(View& view, Out& out) {
+    out.insert(out.end(), &view);
+    for (auto& child : view.subviews()) {
+        collectPlain(*child, out);
+    }
+}
+
 }  // namespace
 
 void LayoutEngine::noteChange() {
     ++gChanges;
+    ++gInputs;
+}
+
+void LayoutEngine::noteNeedsLayout() {
+    ++gChanges;
+}
+
+void LayoutEngine::noteDeparture() {
+    ++gDepartures;
+    noteChange();
+}
+
+void LayoutEngine::noteConstantChange(LayoutConstraint& constraint, View& holder) {
+    std::uint64_t before = gChanges;
+    ++gChanges;
+    holder.setNeedsLayout();
+    gNoted += gChanges - before;
+    auto root = holder.rootView();
+    if (LayoutEngine* engine = root->engine_.get()) {
+        engine->noted_.push_back(constraint.weak_from_this());
+        if (engine->noted_.size() > engine->user_.size() + 64) {
+            // Changing over and over with no pass in between: compare everything next time.
+            engine->noted_.clear();
+            engine->synced_ = false;
+        }
+    }
 }
 std::uint64_t LayoutEngine::changeCount() {
     return gChanges;
@@ -98,23 +133,124 @@ void LayoutEngine::layoutTree(View& root) {
     if (!root.engine_) {
         root.engine_ = std::make_unique<LayoutEngine>();
     }
-    for (int pass = 0; pass < 8; ++pass) {
+    bool settled = false;
+    for (int round = 0; round < 8; ++round) {
         std::uint64_t before = gChanges;
-        auto views = root.engine_->sync(root, nullptr);
-        root.engine_->writeBack(views, root);
-        std::vector<std::shared_ptr<View>> tree;
-        collect(root, tree);
-        for (auto& view : tree) {
-            if (view->needsLayout_ && view->isDescendantOf(root)) {
-                view->needsLayout_ = false;
-                view->layoutSubviews();
-            }
-        }
-        if (gChanges == before) {
+        std::uint64_t writtenBefore = gWritten;
+        root.engine_->pass(root);
+        root.engine_->sweep(root);
+        if (gChanges - before == gWritten - writtenBefore) {
+            settled = true;
             break;
         }
     }
+    root.engine_->synced_ = root.engine_->synced_ && settled;
     gLayingOut = false;
+}
+
+void LayoutEngine::sweep(View& root) {
+    // The tree as the sweep begins, top-down; a view added meanwhile waits for the next round, one
+    // that left is skipped.
+    std::vector<View*> tree;
+    tree.reserve(treeSize_);
+    collectPlain(root, tree);
+    treeSize_ = tree.size();
+    std::uint64_t departures = gDepartures;
+    std::unordered_set<View*> inTree;
+    bool checkTree = false;
+    for (View* view : tree) {
+        if (gDepartures != departures) {
+            departures = gDepartures;
+            inTree.clear();
+            collectPlain(root, inTree);
+            checkTree = true;
+        }
+        if ((!checkTree || inTree.count(view)) && view->needsLayout_) {
+            view->needsLayout_ = false;
+            auto keepView = view->self<View>();  // its layout may drop the last other reference
+            view->layoutSubviews();
+        }
+    }
+}
+
+void LayoutEngine::pass(View& root) {
+    // Since the solver last matched the tree, nothing changed but noted constants and frames this
+    // engine wrote: update those constraints alone.
+    bool notedOnly = synced_ && !broken_ &&
+                     gChanges - syncedChanges_ == (gNoted - syncedNoted_) + (gWritten - syncedWritten_);
+    if (notedOnly && applyNotedConstants()) {
+        solver_.updateVariables();
+    } else {
+        ++fullSyncs_;
+        auto views = sync(root, nullptr);
+        collectTargets(views, root);
+    }
+    noted_.clear();
+    synced_ = true;
+    syncedChanges_ = gChanges;
+    syncedNoted_ = gNoted;
+    syncedWritten_ = gWritten;
+    writeBack();
+}
+
+bool LayoutEngine::applyNotedConstants() {
+    for (auto& weak : noted_) {
+        auto c = weak.lock();
+        if (!c) {
+            continue;  // gone with no other change: it was never part of this tree's system
+        }
+        auto it = user_.find(c.get());
+        if (it == user_.end() || it->second.source.lock() != c) {
+            return false;
+        }
+        UserEntry& e = it->second;
+        if (e.revision == c->revision_) {
+            continue;
+        }
+        // A new priority, or a constant the required constraints refuse, breaks or moves things:
+        // leave it to the full comparison (the solver is as it was before this constraint).
+        if (!e.installed || e.priority != c->priority() ||
+            solver_.setConstant(e.constraint, -c->constant()) != layout::SolverResult::Ok) {
+            return false;
+        }
+        e.revision = c->revision_;
+    }
+    return true;
+}
+
+const LayoutEngine* LayoutEngine::of(const View& root) {
+    return root.engine_.get();
+}
+
+std::vector<layout::Constraint> LayoutEngine::installedConstraints() const {
+    std::vector<layout::Constraint> out;
+    for (auto& key : generatedOrder_) {
+        const GeneratedEntry& e = generated_.at(key);
+        if (e.installed) {
+            out.push_back(e.constraint);
+        }
+    }
+    std::vector<std::pair<std::uint64_t, const layout::Constraint*>> user;
+    for (auto& [source, e] : user_) {
+        if (e.installed) {
+            user.emplace_back(source->activationOrder_, &e.constraint);
+        }
+    }
+    std::sort(user.begin(), user.end());
+    for (auto& [order, c] : user) {
+        out.push_back(*c);
+    }
+    return out;
+}
+
+const layout::Constraint* LayoutEngine::solverConstraintFor(const LayoutConstraint& constraint) const {
+    auto it = user_.find(&constraint);
+    return it != user_.end() && it->second.installed ? &it->second.constraint : nullptr;
+}
+
+const LayoutEngine::Box* LayoutEngine::variablesOf(const LayoutItem& item) const {
+    auto it = items_.find(&item);
+    return it == items_.end() ? nullptr : &it->second;
 }
 
 Size LayoutEngine::fittingSize(View& view, Size target, float horizontalPriority, float verticalPriority) {
@@ -148,11 +284,9 @@ LayoutEngine::ItemVariables& LayoutEngine::variablesFor(const std::shared_ptr<La
         return it->second;
     }
     std::string name = item->debugName();
-    ItemVariables v{item,
-                    layout::Variable(name + ".left"),
-                    layout::Variable(name + ".top"),
-                    layout::Variable(name + ".width"),
-                    layout::Variable(name + ".height"),
+    ItemVariables v{{layout::Variable(name + ".left"), layout::Variable(name + ".top"),
+                     layout::Variable(name + ".width"), layout::Variable(name + ".height")},
+                    item,
                     true};
     items_.insert_or_assign(item.get(), std::move(v));
     return items_.at(item.get());
@@ -161,14 +295,23 @@ LayoutEngine::ItemVariables& LayoutEngine::variablesFor(const std::shared_ptr<La
 std::shared_ptr<LayoutItem> LayoutEngine::resolve(const std::shared_ptr<LayoutItem>& item,
                                                   LayoutAttribute attribute,
                                                   const std::shared_ptr<LayoutItem>& other) {
-    auto* scroll = dynamic_cast<ScrollView*>(item.get());
     bool edge = attribute != LayoutAttribute::width && attribute != LayoutAttribute::height &&
                 attribute != LayoutAttribute::centerX && attribute != LayoutAttribute::centerY;
-    auto otherView = other ? other->layoutView() : nullptr;
-    if (!scroll || !edge || !otherView || otherView.get() == scroll || !otherView->isDescendantOf(*scroll)) {
+    if (!edge || !other) {
         return item;
     }
-    return scroll->contentLayoutGuide().shared_from_this();
+    // Only an edge tied to a view inside the item's own subtree can be a content edge; the type is
+    // asked last.
+    auto otherView = other->layoutView();
+    if (!otherView || otherView.get() == item.get()) {
+        return item;
+    }
+    bool inside = false;
+    for (auto v = otherView->superview(); v && !inside; v = v->superview()) {
+        inside = v.get() == item.get();
+    }
+    auto* scroll = inside ? dynamic_cast<ScrollView*>(item.get()) : nullptr;
+    return scroll ? scroll->contentLayoutGuide().shared_from_this() : item;
 }
 
 layout::Expression LayoutEngine::expressionFor(const ItemVariables& v, LayoutAttribute attribute) const {
@@ -204,8 +347,43 @@ bool LayoutEngine::tryAdd(const layout::Constraint& constraint) {
     return solver_.addConstraint(constraint) == layout::SolverResult::Ok;
 }
 
-void LayoutEngine::generate(const std::string& key, layout::Expression expression, layout::Relation relation,
-                            double strength, const std::string& description) {
+std::string LayoutEngine::describe(Slot slot, const LayoutItem& subject) {
+    static constexpr const char* suffixes[] = {
+        ".left == 0 (root)",
+        ".top == 0 (root)",
+        ".width == bounds (root)",
+        ".height == bounds (root)",
+        ".width (fitting)",
+        ".height (fitting)",
+        ".left == frame",
+        ".top == frame",
+        ".width == frame",
+        ".height == frame",
+        ".width >= intrinsic",
+        ".width <= intrinsic",
+        ".height >= intrinsic",
+        ".height <= intrinsic",
+        ".left",
+        ".top",
+        ".width",
+        ".height",
+        ".left",
+        ".top",
+        ".width",
+        ".height",
+        ".left",
+        ".top",
+        ".width",
+        ".height",
+        ".left",
+        ".top",
+    };
+    static_assert(std::size(suffixes) == static_cast<std::size_t>(Slot::contentTop) + 1);
+    return subject.debugName() + suffixes[static_cast<std::size_t>(slot)];
+}
+
+void LayoutEngine::generate(Key key, const LayoutItem& subject, layout::Expression expression,
+                            layout::Relation relation, double strength) {
     auto it = generated_.find(key);
     if (it != generated_.end() && it->second.seen) {
         return;  // the same key twice in one pass: the first wins
@@ -215,7 +393,7 @@ void LayoutEngine::generate(const std::string& key, layout::Expression expressio
         it->second.strength == strength && it->second.constraint.relation() == relation) {
         GeneratedEntry& e = it->second;
         e.seen = true;
-        e.description = description;
+        e.subject = &subject;
         if (e.constant != expression.constant) {
             e.constant = expression.constant;
             if (!e.installed ||
@@ -242,12 +420,14 @@ void LayoutEngine::generate(const std::string& key, layout::Expression expressio
                      expression.terms,
                      strength,
                      expression.constant,
+                     &subject,
                      false,
                      true,
-                     false,
-                     description};
-    e.installed = tryAdd(e.constraint);
-    rebuildNeeded_ = rebuildNeeded_ || !e.installed;
+                     false};
+    if (!deferAdds_) {
+        e.installed = tryAdd(e.constraint);
+        rebuildNeeded_ = rebuildNeeded_ || !e.installed;
+    }
     generated_.insert_or_assign(key, std::move(e));
 }
 
@@ -275,8 +455,8 @@ void LayoutEngine::syncUser(const std::shared_ptr<LayoutConstraint>& c) {
     auto it = user_.find(c.get());
     if (it == user_.end() || it->second.source.lock() != c) {
         UserEntry e{c, build(), c->revision_, c->priority(), false, true, false};
-        e.installed = tryAdd(e.constraint);
-        if (!e.installed) {
+        e.installed = !deferAdds_ && tryAdd(e.constraint);
+        if (!e.installed && !deferAdds_) {
             breakIt(e);
         }
         user_.insert_or_assign(c.get(), std::move(e));
@@ -312,6 +492,23 @@ void LayoutEngine::syncUser(const std::shared_ptr<LayoutConstraint>& c) {
     }
 }
 
+void LayoutEngine::addDeferred(const std::vector<std::shared_ptr<LayoutConstraint>>& active) {
+    deferAdds_ = false;
+    for (auto& key : generatedOrder_) {
+        GeneratedEntry& e = generated_.at(key);
+        e.installed = tryAdd(e.constraint);
+        rebuildNeeded_ = rebuildNeeded_ || !e.installed;
+    }
+    for (auto& c : active) {
+        UserEntry& e = user_.at(c.get());
+        e.installed = tryAdd(e.constraint);
+        if (!e.installed) {
+            e.warned = true;
+            warnBroken(c->description());
+        }
+    }
+}
+
 void LayoutEngine::rebuild(const std::vector<std::shared_ptr<LayoutConstraint>>& active) {
     solver_.reset();
     for (auto& key : generatedOrder_) {
@@ -319,7 +516,7 @@ void LayoutEngine::rebuild(const std::vector<std::shared_ptr<LayoutConstraint>>&
         e.installed = tryAdd(e.constraint);
         if (!e.installed && !e.warned) {
             e.warned = true;
-            warnBroken(e.description);
+            warnBroken(describe(key.slot, *e.subject));
         }
     }
     for (auto& c : active) {
@@ -337,6 +534,9 @@ std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting*
     beginPass();
     Scope scope = scopeOf(root);
     dropStaleUserEntries(scope.active);
+    // A first pass describes everything before the solver takes it, in the same order, so the
+    // solver's rows are made in one go.
+    deferAdds_ = generated_.empty() && user_.empty();
     for (auto& view : scope.views) {
         auto& v = variablesFor(view);
         bool isRoot = view.get() == &root;
@@ -358,6 +558,9 @@ std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting*
     for (auto& c : scope.active) {
         syncUser(c);
     }
+    if (deferAdds_) {
+        addDeferred(scope.active);
+    }
     if (rebuildNeeded_) {
         rebuild(scope.active);
     }
@@ -365,6 +568,8 @@ std::vector<std::shared_ptr<View>> LayoutEngine::sync(View& root, const Fitting*
         it = it->second.seen ? std::next(it) : items_.erase(it);
     }
     solver_.updateVariables();
+    broken_ = std::any_of(user_.begin(), user_.end(), [](auto& e) { return !e.second.installed; }) ||
+              std::any_of(generated_.begin(), generated_.end(), [](auto& e) { return !e.second.installed; });
     return std::move(scope.views);
 }
 
@@ -450,22 +655,18 @@ void LayoutEngine::dropStaleUserEntries(const std::vector<std::shared_ptr<Layout
 }
 
 void LayoutEngine::pinRoot(const View& root, const ItemVariables& v, const Fitting* fitting) {
-    std::string name = root.debugName();
-    generate(keyOf(&root, "root.left"), v.left, layout::Relation::Equal, kRequired,
-             name + ".left == 0 (root)");
-    generate(keyOf(&root, "root.top"), v.top, layout::Relation::Equal, kRequired, name + ".top == 0 (root)");
+    generate({&root, Slot::rootLeft}, root, v.left, layout::Relation::Equal, kRequired);
+    generate({&root, Slot::rootTop}, root, v.top, layout::Relation::Equal, kRequired);
     if (fitting) {
-        generate(keyOf(&root, "fit.width"), v.width - fitting->target.width, layout::Relation::Equal,
-                 layout::strength::fromPriority(fitting->horizontalPriority), name + ".width (fitting)");
-        generate(keyOf(&root, "fit.height"), v.height - fitting->target.height, layout::Relation::Equal,
-                 layout::strength::fromPriority(fitting->verticalPriority), name + ".height (fitting)");
+        generate({&root, Slot::fitWidth}, root, v.width - fitting->target.width, layout::Relation::Equal,
+                 layout::strength::fromPriority(fitting->horizontalPriority));
+        generate({&root, Slot::fitHeight}, root, v.height - fitting->target.height, layout::Relation::Equal,
+                 layout::strength::fromPriority(fitting->verticalPriority));
         return;
     }
     Size size = root.bounds().size;
-    generate(keyOf(&root, "root.width"), v.width - size.width, layout::Relation::Equal, kRequired,
-             name + ".width == bounds (root)");
-    generate(keyOf(&root, "root.height"), v.height - size.height, layout::Relation::Equal, kRequired,
-             name + ".height == bounds (root)");
+    generate({&root, Slot::rootWidth}, root, v.width - size.width, layout::Relation::Equal, kRequired);
+    generate({&root, Slot::rootHeight}, root, v.height - size.height, layout::Relation::Equal, kRequired);
 }
 
 void LayoutEngine::pinFixedFrame(const View& view, const ItemVariables& v) {
@@ -483,38 +684,36 @@ void LayoutEngine::pinFixedFrame(const View& view, const ItemVariables& v) {
     auto [ky, kh] = flexibleShares(f.origin.y, f.size.height, old.height - f.origin.y - f.size.height,
                                    has(mask, M::flexibleTopMargin), has(mask, M::flexibleHeight),
                                    has(mask, M::flexibleBottomMargin));
-    std::string name = view.debugName();
-    generate(keyOf(&view, "frame.left"),
+    generate({&view, Slot::frameLeft}, view,
              v.left - s.left - scaled(s.width, kx) - (f.origin.x - kx * old.width), layout::Relation::Equal,
-             kRequired, name + ".left == frame");
-    generate(keyOf(&view, "frame.top"), v.top - s.top - scaled(s.height, ky) - (f.origin.y - ky * old.height),
-             layout::Relation::Equal, kRequired, name + ".top == frame");
-    generate(keyOf(&view, "frame.width"), v.width - scaled(s.width, kw) - (f.size.width - kw * old.width),
-             layout::Relation::Equal, kRequired, name + ".width == frame");
-    generate(keyOf(&view, "frame.height"),
+             kRequired);
+    generate({&view, Slot::frameTop}, view,
+             v.top - s.top - scaled(s.height, ky) - (f.origin.y - ky * old.height), layout::Relation::Equal,
+             kRequired);
+    generate({&view, Slot::frameWidth}, view, v.width - scaled(s.width, kw) - (f.size.width - kw * old.width),
+             layout::Relation::Equal, kRequired);
+    generate({&view, Slot::frameHeight}, view,
              v.height - scaled(s.height, kh) - (f.size.height - kh * old.height), layout::Relation::Equal,
-             kRequired, name + ".height == frame");
+             kRequired);
 }
 
 void LayoutEngine::holdIntrinsicSize(const View& view, const ItemVariables& v) {
     auto proposed = proposedWidth_.find(&view);
     Size ics = proposed == proposedWidth_.end() ? view.intrinsicContentSize()
                                                 : view.intrinsicContentSizeForWidth(proposed->second);
-    std::string name = view.debugName();
     // Compression resistance keeps the view from shrinking below its content, hugging from growing
     // past it, each at the view's priority for the axis.
     auto hold = [&](LayoutAxis axis, const layout::Variable& length, double natural) {
         if (natural == View::noIntrinsicMetric) {
             return;
         }
-        std::string what = axis == LayoutAxis::horizontal ? ".width" : ".height";
-        generate(keyOf(&view, ("ics" + what + ".min").c_str()), length - natural,
+        bool horizontal = axis == LayoutAxis::horizontal;
+        generate({&view, horizontal ? Slot::widthMin : Slot::heightMin}, view, length - natural,
                  layout::Relation::GreaterOrEqual,
-                 layout::strength::fromPriority(view.contentCompressionResistancePriority(axis)),
-                 name + what + " >= intrinsic");
-        generate(
-            keyOf(&view, ("ics" + what + ".max").c_str()), length - natural, layout::Relation::LessOrEqual,
-            layout::strength::fromPriority(view.contentHuggingPriority(axis)), name + what + " <= intrinsic");
+                 layout::strength::fromPriority(view.contentCompressionResistancePriority(axis)));
+        generate({&view, horizontal ? Slot::widthMax : Slot::heightMax}, view, length - natural,
+                 layout::Relation::LessOrEqual,
+                 layout::strength::fromPriority(view.contentHuggingPriority(axis)));
     };
     hold(LayoutAxis::horizontal, v.width, ics.width);
     hold(LayoutAxis::vertical, v.height, ics.height);
@@ -522,44 +721,41 @@ void LayoutEngine::holdIntrinsicSize(const View& view, const ItemVariables& v) {
 
 void LayoutEngine::pinGuides(const View& view, const ItemVariables& v,
                              const std::unordered_set<const LayoutItem*>& guides) {
-    pinInsetGuide(view, v, view.safeAreaGuide_, view.safeAreaInsets(), "safe", guides);
-    pinInsetGuide(view, v, view.marginsGuide_, view.layoutMargins(), "margins", guides);
+    if (view.safeAreaGuide_ && guides.count(view.safeAreaGuide_.get())) {
+        pinInsetGuide(view, v, view.safeAreaGuide_, view.safeAreaInsets(), Slot::safeLeft, guides);
+    }
+    pinInsetGuide(view, v, view.marginsGuide_, view.layoutMargins(), Slot::marginsLeft, guides);
     for (auto& guide : view.layoutGuides()) {
         if (!guides.count(guide.get())) {
             continue;
         }
         auto& g = variablesFor(guide);
         if (guide->kind() == LayoutGuide::Kind::scrollFrame) {
-            pinInsetGuide(view, v, guide, {}, "frameGuide", guides);
+            pinInsetGuide(view, v, guide, {}, Slot::frameGuideLeft, guides);
         } else if (guide->kind() == LayoutGuide::Kind::scrollContent) {
             // The content starts at the scroll view's origin; its size is whatever the constraints
             // make it.
-            generate(keyOf(&view, "content.left"), g.left - v.left, layout::Relation::Equal, kRequired,
-                     guide->debugName() + ".left");
-            generate(keyOf(&view, "content.top"), g.top - v.top, layout::Relation::Equal, kRequired,
-                     guide->debugName() + ".top");
+            generate({&view, Slot::contentLeft}, *guide, g.left - v.left, layout::Relation::Equal, kRequired);
+            generate({&view, Slot::contentTop}, *guide, g.top - v.top, layout::Relation::Equal, kRequired);
         }
     }
 }
 
 void LayoutEngine::pinInsetGuide(const View& view, const ItemVariables& v,
-                                 const std::shared_ptr<LayoutGuide>& guide, EdgeInsets in, const char* slot,
+                                 const std::shared_ptr<LayoutGuide>& guide, EdgeInsets in, Slot first,
                                  const std::unordered_set<const LayoutItem*>& guides) {
     // Built-in guides: fixed insets of the view's own rectangle.
     if (!guide || !guides.count(guide.get())) {
         return;
     }
     auto& g = variablesFor(guide);
-    std::string gname = guide->debugName();
-    std::string k(slot);
-    generate(keyOf(&view, (k + ".left").c_str()), g.left - v.left - in.left, layout::Relation::Equal,
-             kRequired, gname + ".left");
-    generate(keyOf(&view, (k + ".top").c_str()), g.top - v.top - in.top, layout::Relation::Equal, kRequired,
-             gname + ".top");
-    generate(keyOf(&view, (k + ".width").c_str()), g.width - v.width + in.left + in.right,
-             layout::Relation::Equal, kRequired, gname + ".width");
-    generate(keyOf(&view, (k + ".height").c_str()), g.height - v.height + in.top + in.bottom,
-             layout::Relation::Equal, kRequired, gname + ".height");
+    auto slot = [first](int offset) { return static_cast<Slot>(static_cast<int>(first) + offset); };
+    generate({&view, slot(0)}, *guide, g.left - v.left - in.left, layout::Relation::Equal, kRequired);
+    generate({&view, slot(1)}, *guide, g.top - v.top - in.top, layout::Relation::Equal, kRequired);
+    generate({&view, slot(2)}, *guide, g.width - v.width + in.left + in.right, layout::Relation::Equal,
+             kRequired);
+    generate({&view, slot(3)}, *guide, g.height - v.height + in.top + in.bottom, layout::Relation::Equal,
+             kRequired);
 }
 
 void LayoutEngine::dropUnseenGenerated() {
@@ -575,34 +771,83 @@ void LayoutEngine::dropUnseenGenerated() {
     }
 }
 
-void LayoutEngine::writeBack(const std::vector<std::shared_ptr<View>>& views, View& root) {
+void LayoutEngine::collectTargets(const std::vector<std::shared_ptr<View>>& views, const View& root) {
+    targets_.clear();
+    targets_.reserve(views.size());
+    std::unordered_map<const View*, std::size_t> index;
+    frameFeedsGuides_ = false;
+    for (auto& view : views) {
+        Target t;
+        t.view = view.get();
+        t.weak = view;
+        t.box = &items_.at(view.get());
+        if (view.get() != &root && !view->translatesAutoresizingMaskIntoConstraints()) {
+            t.parent = &items_.at(view->superview().get());
+        }
+        auto add = [&](const std::shared_ptr<LayoutGuide>& guide) {
+            auto it = guide ? items_.find(guide.get()) : items_.end();
+            if (it != items_.end()) {
+                t.guides.emplace_back(guide.get(), &it->second);
+            }
+        };
+        add(view->safeAreaGuide_);
+        frameFeedsGuides_ = frameFeedsGuides_ || !t.guides.empty();
+        add(view->marginsGuide_);
+        for (auto& guide : view->layoutGuides()) {
+            add(guide);
+        }
+        index.emplace(view.get(), targets_.size());
+        targets_.push_back(std::move(t));
+    }
+    // A fixed frame is pinned from its superview's size: a frame written there is an input too.
+    for (auto& view : views) {
+        if (view.get() != &root && view->translatesAutoresizingMaskIntoConstraints()) {
+            targets_[index.at(view->superview().get())].feedsSolver = true;
+        }
+    }
+}
+
+void LayoutEngine::writeBack() {
     auto rectOf = [&](const ItemVariables& v, const ItemVariables& origin) {
         return Rect{snap(v.left.value() - origin.left.value()), snap(v.top.value() - origin.top.value()),
                     snap(v.width.value()), snap(v.height.value())};
     };
-    for (auto& view : views) {
-        auto& v = variablesFor(view);
-        if (view.get() != &root && !view->translatesAutoresizingMaskIntoConstraints()) {
-            auto& s = variablesFor(view->superview());
-            Rect frame = rectOf(v, s);
-            if (frame != view->frame()) {
-                view->setFrame(frame);
+    const std::uint64_t departuresAtStart = gDepartures;
+    for (auto& t : targets_) {
+        // A hook run by an earlier frame may have changed the tree: then only views still alive.
+        std::shared_ptr<View> held;
+        if (gDepartures != departuresAtStart) {
+            held = t.weak.lock();
+            if (!held) {
+                continue;
             }
         }
-        auto place = [&](const std::shared_ptr<LayoutGuide>& guide) {
-            auto it = guide ? items_.find(guide.get()) : items_.end();
-            if (it == items_.end()) {
-                return;
+        View& view = *t.view;
+        if (t.parent) {
+            Rect frame = rectOf(*t.box, *t.parent);
+            if (frame != view.frame()) {
+                std::uint64_t before = gChanges;
+                std::uint64_t inputs = gInputs;
+                view.setFrame(frame);
+                // The re-layout marks of a frame nothing is solved from need no further round.
+                if (gInputs == inputs && !t.feedsSolver && !frameFeedsGuides_) {
+                    gWritten += gChanges - before;
+                }
             }
-            guide->layoutFrame_ = rectOf(it->second, v);
+        }
+        for (auto& [guide, box] : t.guides) {
+            auto owned = [&, g = guide] {
+                auto& list = view.layoutGuides();
+                return view.safeAreaGuide_.get() == g || view.marginsGuide_.get() == g ||
+                       std::any_of(list.begin(), list.end(), [g](auto& other) { return other.get() == g; });
+            };
+            if (gDepartures != departuresAtStart && !owned()) {
+                continue;
+            }
+            guide->layoutFrame_ = rectOf(*box, *t.box);
             if (guide->kind() == LayoutGuide::Kind::scrollContent) {
-                view->contentLayoutGuideDidResolve(guide->layoutFrame_.size);
+                view.contentLayoutGuideDidResolve(guide->layoutFrame_.size);
             }
-        };
-        place(view->safeAreaGuide_);
-        place(view->marginsGuide_);
-        for (auto& guide : view->layoutGuides()) {
-            place(guide);
         }
     }
 }

@@ -216,6 +216,7 @@ void View::insertAt(std::shared_ptr<View> view, std::size_t index) {
     subviews_.insert(subviews_.begin() + static_cast<std::ptrdiff_t>(index), view);
     view->didMoveToSuperview();
     view->notifyMovedToWindow();
+    LayoutEngine::noteChange();  // the subtree's constraints join this tree's system
     view->setNeedsLayout();
     setNeedsLayout();
 }
@@ -267,6 +268,7 @@ void View::detachFromSuperview() {
     }
     superview_.reset();
     engine_.reset();
+    LayoutEngine::noteDeparture();
     parent->setNeedsLayout();
 }
 
@@ -415,6 +417,7 @@ void Layer::removeAllAnimations() {
 void View::setTranslatesAutoresizingMaskIntoConstraints(bool value) {
     if (value != translatesMask_) {
         translatesMask_ = value;
+        LayoutEngine::noteChange();
         setNeedsLayout();
     }
 }
@@ -600,7 +603,7 @@ Size View::systemLayoutSizeFitting(Size target, float horizontalPriority, float 
 
 void View::setNeedsLayout() {
     needsLayout_ = true;
-    LayoutEngine::noteChange();
+    LayoutEngine::noteNeedsLayout();
     if (auto w = windowCache_.lock()) {
         w->scheduleLayout();
     }

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "KitTest.h"
+#include "kit/LayoutEngine.h"
 #include "ovix/kit/Label.h"
 #include "ovix/kit/LayoutConstraint.h"
 #include "ovix/kit/View.h"
@@ -286,6 +289,232 @@ TEST_F(ConstraintLayout, ConstraintsWithoutACommonAncestorStayInactive) {
     EXPECT_FALSE(c->isActive());
     ASSERT_EQ(headless.console->lines().size(), 1u);
     EXPECT_NE(headless.console->lines()[0].find("no common ancestor"), std::string::npos);
+}
+
+// A column of two rows under the root; the engine kept on the root is looked at between passes.
+struct Column {
+    explicit Column(const std::shared_ptr<View>& root) {
+        for (auto& row : rows) {
+            row = constrainedIn(root);
+        }
+        firstTop = rows[0]->topAnchor().constraintEqualTo(root->topAnchor(), 10);
+        firstHeight = rows[0]->heightAnchor().constraintEqualToConstant(20);
+        auto aligned = rows[1]->leadingAnchor().constraintEqualTo(rows[0]->leadingAnchor());
+        aligned->setPriority(kit::LayoutPriority::defaultLow);
+        LayoutConstraint::activate({firstTop, firstHeight, aligned,
+                                    rows[0]->leadingAnchor().constraintEqualTo(root->leadingAnchor()),
+                                    rows[0]->widthAnchor().constraintEqualToConstant(50),
+                                    rows[1]->topAnchor().constraintEqualTo(rows[0]->bottomAnchor(), 5),
+                                    rows[1]->widthAnchor().constraintEqualTo(rows[0]->widthAnchor()),
+                                    rows[1]->heightAnchor().constraintEqualToConstant(20)});
+    }
+    std::shared_ptr<View> rows[2];
+    std::shared_ptr<LayoutConstraint> firstTop, firstHeight;
+};
+
+TEST_F(ConstraintLayout, ConstantChangesAloneUpdateJustThoseConstraintsAndEveryOtherChangeIsCompared) {
+    auto root = View::create({0, 0, 200, 200});
+    Column column(root);
+    // Any change elsewhere counts as a change here too: the other tree is made before the pass.
+    auto late = View::create({100, 100, 50, 50});
+    auto lateChild = constrainedIn(late);
+    auto inner = lateChild->widthAnchor().constraintEqualTo(late->widthAnchor(), 0.5);
+    inner->setActive(true);
+    root->layoutIfNeeded();
+    const kit::LayoutEngine* engine = kit::LayoutEngine::of(*root);
+    ASSERT_NE(engine, nullptr);
+    EXPECT_EQ(engine->fullSyncCount(), 1u) << "the frames the first pass writes need no second round";
+
+    std::shared_ptr<LayoutConstraint> extra;
+    struct Case {
+        const char* what;
+        std::function<void()> change;
+        std::uint64_t fullSyncs;  // added by the pass
+        Rect second;
+    };
+    const Case cases[] = {
+        {"one constant", [&] { column.firstTop->setConstant(30); }, 0, {0, 55, 50, 20}},
+        {"two constants, one changed back",
+         [&] {
+             column.firstHeight->setConstant(40);
+             column.firstTop->setConstant(0);
+             column.firstTop->setConstant(30);
+         },
+         0,
+         {0, 75, 50, 20}},
+        {"a constant and a new constraint",
+         [&] {
+             column.firstTop->setConstant(10);
+             extra = column.rows[1]->leadingAnchor().constraintEqualTo(root->leadingAnchor(), 7);
+             extra->setActive(true);
+         },
+         1,
+         {7, 55, 50, 20}},
+        {"a priority",
+         [&] { column.firstHeight->setPriority(kit::LayoutPriority::defaultHigh); },
+         1,
+         {7, 55, 50, 20}},
+        {"a constant, then its constraint deactivated",
+         [&] {
+             extra->setConstant(90);
+             extra->setActive(false);
+         },
+         1,
+         {0, 55, 50, 20}},
+        {"a subtree with its own constraints added", [&] { root->addSubview(late); }, 1, {0, 55, 50, 20}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        std::uint64_t before = engine->fullSyncCount();
+        c.change();
+        root->layoutIfNeeded();
+        EXPECT_EQ(engine->fullSyncCount() - before, c.fullSyncs);
+        EXPECT_EQ(column.rows[1]->frame(), c.second);
+    }
+    EXPECT_EQ(lateChild->frame().width(), 25);
+}
+
+TEST_F(ConstraintLayout, ABrokenConstraintIsTriedAgainWhenAConstantMakesRoom) {
+    auto root = View::create({0, 0, 200, 100});
+    auto box = constrainedIn(root);
+    auto wish = box->widthAnchor().constraintEqualToConstant(100);
+    wish->setPriority(kit::LayoutPriority::defaultLow);
+    auto room = box->trailingAnchor().constraintLessThanOrEqualTo(root->trailingAnchor(), -40);
+    auto least = box->widthAnchor().constraintGreaterThanOrEqualToConstant(300);
+    LayoutConstraint::activate({box->leadingAnchor().constraintEqualTo(root->leadingAnchor()),
+                                box->topAnchor().constraintEqualTo(root->topAnchor()),
+                                box->heightAnchor().constraintEqualToConstant(10), wish, room, least});
+    root->layoutIfNeeded();
+    EXPECT_EQ(box->frame().width(), 100);
+    ASSERT_EQ(headless.console->lines().size(), 1u);
+    EXPECT_EQ(headless.console->lines()[0], "⚠️ Unable to simultaneously satisfy constraints: " +
+                                                least->description() + "; breaking it");
+
+    room->setConstant(200);  // the trailing edge may now reach 400
+    root->layoutIfNeeded();
+    EXPECT_EQ(box->frame().width(), 300) << "the minimum holds again once it fits";
+    EXPECT_EQ(headless.console->lines().size(), 1u);
+}
+
+TEST_F(ConstraintLayout, AFrameThatMovesASafeAreaIsSolvedAgainInTheSamePass) {
+    auto controller = kit::ViewController::create();
+    window()->setRootViewController(controller);
+    auto view = controller->view();
+    queue().runUntilIdle();
+    auto panel = constrainedIn(view);
+    auto child = constrainedIn(panel);
+    auto top = panel->topAnchor().constraintEqualTo(view->topAnchor());
+    LayoutConstraint::activate(
+        {top, panel->leadingAnchor().constraintEqualTo(view->leadingAnchor()),
+         panel->widthAnchor().constraintEqualToConstant(200),
+         panel->heightAnchor().constraintEqualToConstant(200),
+         child->topAnchor().constraintEqualTo(panel->safeAreaLayoutGuide().topAnchor()),
+         child->leadingAnchor().constraintEqualTo(panel->leadingAnchor()),
+         child->widthAnchor().constraintEqualToConstant(10),
+         child->heightAnchor().constraintEqualToConstant(10)});
+    view->layoutIfNeeded();
+    double unsafe = panel->safeAreaInsets().top;
+    ASSERT_GT(unsafe, 20);
+    EXPECT_EQ(child->frame().minY(), unsafe);
+
+    // The panel's new place changes its safe area, which only the written frame tells.
+    top->setConstant(20);
+    view->layoutIfNeeded();
+    EXPECT_EQ(panel->frame().minY(), 20);
+    EXPECT_EQ(child->frame().minY(), unsafe - 20);
+}
+
+// Moves a subview by a constant taken from its own width, as views that adapt to their size do.
+class Adaptive : public View {
+  public:
+    std::shared_ptr<LayoutConstraint> indent;
+    void layoutSubviews() override { indent->setConstant(bounds().size.width / 2); }
+};
+
+TEST_F(ConstraintLayout, AConstantChangedWhileLayingOutIsSolvedInTheSamePass) {
+    auto root = View::create({0, 0, 200, 100});
+    auto adaptive = constrainedIn<Adaptive>(root, std::make_shared<Adaptive>());
+    auto child = constrainedIn(adaptive);
+    adaptive->indent = child->leadingAnchor().constraintEqualTo(adaptive->leadingAnchor());
+    LayoutConstraint::activate({adaptive->leadingAnchor().constraintEqualTo(root->leadingAnchor()),
+                                adaptive->topAnchor().constraintEqualTo(root->topAnchor()),
+                                adaptive->widthAnchor().constraintEqualTo(root->widthAnchor(), 0.5),
+                                adaptive->heightAnchor().constraintEqualToConstant(10), adaptive->indent,
+                                child->topAnchor().constraintEqualTo(adaptive->topAnchor()),
+                                child->widthAnchor().constraintEqualToConstant(5),
+                                child->heightAnchor().constraintEqualToConstant(5)});
+    const struct {
+        double rootWidth;
+        double childX;
+    } cases[] = {{200, 50}, {300, 75}, {100, 25}};
+    for (auto& c : cases) {
+        SCOPED_TRACE(c.rootWidth);
+        root->setBounds({0, 0, c.rootWidth, 100});
+        root->layoutIfNeeded();
+        EXPECT_EQ(child->frame().minX(), c.childX);
+    }
+}
+
+TEST_F(ConstraintLayout, TheKeptEngineDoesNotKeepARemovedViewAlive) {
+    auto root = View::create({0, 0, 100, 100});
+    auto child = constrainedIn(root);
+    LayoutConstraint::activate({child->topAnchor().constraintEqualTo(root->topAnchor()),
+                                child->leadingAnchor().constraintEqualTo(root->leadingAnchor()),
+                                child->widthAnchor().constraintEqualToConstant(10),
+                                child->heightAnchor().constraintEqualToConstant(10)});
+    root->layoutIfNeeded();
+    std::weak_ptr<View> gone = child;
+    child->removeFromSuperview();
+    child.reset();
+    EXPECT_TRUE(gone.expired()) << "a screen's closing may hang on a view being released";
+    root->layoutIfNeeded();
+}
+
+// Runs a closure where a view's layout or size change would run its own code.
+class Hook : public View {
+  public:
+    std::function<void()> onLayout, onResize;
+    void layoutSubviews() override {
+        if (onLayout) {
+            onLayout();
+        }
+    }
+
+  protected:
+    void boundsSizeDidChange(kit::Size) override {
+        if (onResize) {
+            onResize();
+        }
+    }
+};
+
+TEST_F(ConstraintLayout, AViewReleasedByAnEarlierViewsCodeDuringThePassIsSkipped) {
+    for (bool duringFrames : {false, true}) {
+        SCOPED_TRACE(duringFrames ? "while frames are written" : "while views lay out their subviews");
+        auto root = View::create({0, 0, 100, 100});
+        auto first = constrainedIn<Hook>(root, std::make_shared<Hook>());
+        auto victim = constrainedIn<Hook>(root, std::make_shared<Hook>());
+        for (auto& v : {std::static_pointer_cast<View>(first), std::static_pointer_cast<View>(victim)}) {
+            LayoutConstraint::activate({v->topAnchor().constraintEqualTo(root->topAnchor()),
+                                        v->leadingAnchor().constraintEqualTo(root->leadingAnchor()),
+                                        v->widthAnchor().constraintEqualToConstant(10),
+                                        v->heightAnchor().constraintEqualToConstant(10)});
+        }
+        int victimLayouts = 0;
+        victim->onLayout = [&] { ++victimLayouts; };
+        std::weak_ptr<Hook> gone = victim;
+        victim.reset();
+        auto drop = [gone] {
+            if (auto v = gone.lock()) {
+                v->removeFromSuperview();
+            }
+        };
+        (duringFrames ? first->onResize : first->onLayout) = drop;
+        root->layoutIfNeeded();
+        EXPECT_TRUE(gone.expired());
+        EXPECT_EQ(victimLayouts, 0);
+        EXPECT_EQ(first->frame(), (Rect{0, 0, 10, 10}));
+    }
 }
 
 }  // namespace
