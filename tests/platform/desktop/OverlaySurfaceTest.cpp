@@ -9,7 +9,6 @@
 #include "kit/KitTest.h"
 #include "ovix/FloatingButton.h"
 #include "ovix/kit/Label.h"
-#include "ovix/kit/TextField.h"
 #include "ovix/kit/ViewController.h"
 
 namespace ovix::test {
@@ -195,23 +194,6 @@ TEST_F(OverlaySurfaceTest, PumpRunsReadyGLibWorkWithoutWaiting) {
     surface->pump(5);
     EXPECT_EQ(spins, 5);
     g_source_remove(spinner);
-}
-
-TEST_F(OverlaySurfaceTest, TypingIntoAFocusedFieldIsConsumedAndRedraws) {
-    auto field = kit::TextField::create({20, 500, 300, 40});
-    field->setBackgroundColor(kit::Color::white());
-    window()->rootViewController()->view()->addSubview(field);
-    Buffer buffer(390, 844);
-    buffer.render(*surface);
-    EXPECT_FALSE(surface->text("w")) << "nothing focused";
-    surface->pointerPress({100, 520});
-    surface->pointerRelease({100, 520});
-    buffer.render(*surface);
-    EXPECT_TRUE(surface->text("Lỗi"));
-    EXPECT_TRUE(buffer.render(*surface));
-    EXPECT_TRUE(surface->key(kit::Key::left));
-    EXPECT_TRUE(buffer.render(*surface)) << "the caret moved";
-    EXPECT_EQ(field->text(), "Lỗi");
 }
 
 }  // namespace
