@@ -4,6 +4,7 @@
 
 #include "core/SessionManager.h"
 #include "ovix/OvixCore.h"
+#include "ovix/WarningButton.h"
 #include "ovix/kit/WindowScene.h"
 #include "ui/overlay/PanelTestSupport.h"
 
