@@ -9,6 +9,7 @@
 #include "kit/KitTest.h"
 #include "ovix/FloatingButton.h"
 #include "ovix/kit/Label.h"
+#include "ovix/kit/TextField.h"
 #include "ovix/kit/ViewController.h"
 
 namespace ovix::test {
@@ -194,6 +195,21 @@ TEST_F(OverlaySurfaceTest, PumpRunsReadyGLibWorkWithoutWaiting) {
     surface->pump(5);
     EXPECT_EQ(spins, 5);
     g_source_remove(spinner);
+}
+
+// Which field takes text is the input router's test; here, that the surface tells the game so.
+TEST_F(OverlaySurfaceTest, TypingIntoAFocusedFieldIsConsumedAndRedraws) {
+    auto field = kit::TextField::create({20, 500, 300, 40});
+    window()->rootViewController()->view()->addSubview(field);
+    Buffer buffer(390, 844);
+    buffer.render(*surface);
+    EXPECT_FALSE(surface->text("w")) << "nothing focused";
+    ASSERT_TRUE(field->becomeFirstResponder());
+    buffer.render(*surface);
+    EXPECT_TRUE(surface->text("Lỗi"));
+    EXPECT_TRUE(surface->key(kit::Key::left));
+    EXPECT_TRUE(buffer.render(*surface));
+    EXPECT_EQ(field->text(), "Lỗi");
 }
 
 }  // namespace
