@@ -76,11 +76,9 @@ TEST_F(Appearance, SystemSymbolsAreTemplatesFoundByExactName) {
     EXPECT_TRUE(logo->isTemplate());
 }
 
-TEST_F(Appearance, NamedColoursHaveFixedValues) {
-    EXPECT_EQ(Color::rgb255(47, 45, 45), Color(47 / 255.0, 45 / 255.0, 45 / 255.0, 1));
-    EXPECT_EQ(Color::white(0.5, 0.1), Color(0.5, 0.5, 0.5, 0.1));
-    EXPECT_EQ(Color::lightGray().withAlphaComponent(0.3).a(), 0.3);
-    EXPECT_EQ(Color::black().interpolated(Color::white(), 0.5), Color(0.5, 0.5, 0.5, 1));
+// Animated colours pass through here; the named colours themselves are constants.
+TEST_F(Appearance, ColoursInterpolateEveryChannel) {
+    EXPECT_EQ(Color::black().interpolated(Color::white(0.5, 0.5), 0.5), Color(0.25, 0.25, 0.25, 0.75));
 }
 
 TEST_F(Appearance, LabelsMeasureTheirTextAndWrapWhenAllowed) {

@@ -21,13 +21,6 @@ class Core : public ::testing::Test {
     OvixCore& core = OvixCore::shared();
 };
 
-TEST_F(Core, TheBackendAddressesAreHttpsWithoutATrailingSlash) {
-    EXPECT_EQ(core.urlString().rfind("https://", 0), 0u);
-    EXPECT_EQ(core.urlGraph().rfind("https://", 0), 0u);
-    EXPECT_NE(core.urlString().back(), '/');
-    EXPECT_NE(core.urlGraph().back(), '/');
-}
-
 TEST_F(Core, LogoutClearsSessionAndRaisesOneEventWithNullData) {
     auto listener = std::make_shared<RecordingListener>();
     core.setListener(listener);

@@ -3,8 +3,6 @@
 #include <filesystem>
 #include <string>
 
-#include "ovix/OvixCore.h"
-#include "ovix/WarningButton.h"
 #include "platform/cairo/KitRenderer.h"
 #include "ui/overlay/AccountPopup.h"
 #include "ui/overlay/OverlayTestSupport.h"
@@ -28,15 +26,6 @@ class OverlaySnapshotTest : public OverlayTest {
         platform::gtk::KitRenderer renderer;
         EXPECT_TRUE(renderer.writePng(*window(), h.mainQueue->now(), 3, dir / (name + ".png")));
     }
-    /// A plain stand-in for a game's frame: a sky and a ground.
-    void gameFrame() {
-        window()->setBackgroundColor(kit::Color::rgb255(90, 160, 220));
-        auto ground =
-            kit::View::create({0, window()->bounds().size.height * 0.7, window()->bounds().size.width,
-                               window()->bounds().size.height * 0.3});
-        ground->setBackgroundColor(kit::Color::rgb255(80, 150, 70));
-        window()->addSubview(ground);
-    }
 };
 
 TEST_F(OverlaySnapshotTest, AccountPopup) {
@@ -48,19 +37,6 @@ TEST_F(OverlaySnapshotTest, AccountPopup) {
         window()->addSubview(popup);
         snap(std::string("account-popup-") + (landscape ? "landscape" : "portrait"));
         popup->removeFromSuperview();
-    }
-}
-
-TEST_F(OverlaySnapshotTest, WarningButton) {
-    for (bool landscape : {false, true}) {
-        turn(landscape);
-        gameFrame();
-        OvixCore::shared().showWarningButton({60, 120});
-        snap(std::string("warning-normal-") + (landscape ? "landscape" : "portrait"));
-        window()->tap(OvixCore::shared().warningButton()->center());
-        h.mainQueue->advance(WarningButton::toggleDuration);
-        snap(std::string("warning-full-") + (landscape ? "landscape" : "portrait"));
-        OvixCore::shared().hideWarningButton();
     }
 }
 

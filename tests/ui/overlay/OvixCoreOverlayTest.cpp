@@ -4,6 +4,7 @@
 
 #include "core/SessionManager.h"
 #include "ovix/OvixCore.h"
+#include "ovix/WarningButton.h"
 #include "ovix/kit/WindowScene.h"
 #include "ui/overlay/PanelTestSupport.h"
 
@@ -12,7 +13,10 @@ namespace {
 
 class OvixCoreOverlayTest : public PanelTest {
   protected:
-    ~OvixCoreOverlayTest() override { core.hideFloatingButton(); }
+    ~OvixCoreOverlayTest() override {
+        core.hideFloatingButton();
+        core.hideWarningButton();
+    }
 
     static bool holds(const kit::View& parent, const std::shared_ptr<kit::View>& view) {
         const auto& all = parent.subviews();
@@ -55,14 +59,21 @@ TEST_F(OvixCoreOverlayTest, TheKeyWindowIsFoundThroughTheConnectedScenes) {
             // Another window, outside every scene, takes the key.
             kit::Window::create(kit::Rect{0, 0, 10, 10})->makeKey();
         }
+        // Both buttons go to the key window, and nowhere when there is none.
         core.showFloatingButton(50);
+        core.showWarningButton({20, 100});
         if (row.key < 0) {
             EXPECT_EQ(core.floatingButton(), nullptr);
+            EXPECT_EQ(core.warningButton(), nullptr);
+            core.hideWarningButton();  // nothing to hide: no harm
             continue;
         }
         ASSERT_NE(core.floatingButton(), nullptr);
+        ASSERT_NE(core.warningButton(), nullptr);
         EXPECT_TRUE(holds(*windows[static_cast<std::size_t>(row.key)], core.floatingButton()));
+        EXPECT_TRUE(holds(*windows[static_cast<std::size_t>(row.key)], core.warningButton()));
         core.hideFloatingButton();
+        core.hideWarningButton();
     }
 }
 

@@ -29,11 +29,10 @@ TEST_F(PopupTabHomeTest, TileSizeFollowsTheColumnRule) {
         double width;
         double tileWidth;
     };
+    // Two and four columns are the grid test's; here the edges of the rule.
     const Row rows[] = {
-        {400, 188},     // floor(392 / 133) = 2 columns
-        {541, 125.25},  // floor(533 / 133) = 4 columns
-        {539, 169},     // one point short of a 4th column
-        {141, 125},     // exactly one column
+        {539, 169},  // one point short of a 4th column
+        {141, 125},  // exactly one column
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.width);
@@ -55,26 +54,20 @@ TEST_F(PopupTabHomeTest, TheGridPlacesTheTilesItsWidthAllows) {
         {416, {8, 204, 8, 204}, {8, 8, 106, 106}, 188},
         {557, {8, 141.25, 274.5, 407.75}, {8, 8, 8, 8}, 125.25},
     };
-    const char* icons[] = {"user", "facebook", "ic_sdk_float", "messenger"};
-    const char* titles[] = {"Tài khoản", "Facebook", "Group", "Chat Admin"};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.tabWidth);
         auto home = laidOut(row.tabWidth);
         EXPECT_EQ(home->collectionView()->frame(), (kit::Rect{8, 69, row.tabWidth - 16, 400 - 77}));
         ASSERT_EQ(home->collectionView()->numberOfItems(0), 4);
         for (std::size_t i = 0; i < 4; ++i) {
-            SCOPED_TRACE(titles[i]);
+            SCOPED_TRACE(i);
             auto tile = cell(*home, static_cast<int>(i));
             ASSERT_NE(tile, nullptr);
             EXPECT_NEAR(tile->frame().x(), row.xs[i], 1e-9);
             EXPECT_EQ(tile->frame().y(), row.ys[i]);
             EXPECT_NEAR(tile->frame().width(), row.tileWidth, 1e-9);
             EXPECT_EQ(tile->frame().height(), 90);
-            EXPECT_EQ(tile->iconImageView()->image()->name(), icons[i]);
-            EXPECT_EQ(tile->titleLabel()->text(), titles[i]);
-            // Icon 30 x 30 at 8 from the left and title 6 after it, both centred on the tile.
-            EXPECT_EQ(tile->iconImageView()->frame(), (kit::Rect{8, 30, 30, 30}));
-            EXPECT_NEAR(tile->titleLabel()->frame().x(), 44, 1e-9);
+            // The title ends 8 inside the tile, whatever its width.
             EXPECT_NEAR(tile->titleLabel()->frame().maxX(), row.tileWidth - 8, 1e-9);
             EXPECT_NEAR(tile->titleLabel()->frame().midY(), 45, 1e-9);
         }

