@@ -24,7 +24,9 @@ std::string shorten(std::string text, std::size_t limit) {
 std::string EventLog::formatEvent(std::string_view name, const ovix::Value& data) {
     std::string line = "event " + std::string(name);
     if (!data.isNull()) {
-        line += " " + data.toJson();
+        // Appended in two steps: g++ 12 at -O3 warns falsely on `" " + string` (-Wrestrict, GCC bug 105329).
+        line += ' ';
+        line += data.toJson();
     }
     return shorten(std::move(line), maxLineBytes);
 }
