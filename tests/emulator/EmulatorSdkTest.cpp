@@ -98,7 +98,7 @@ TEST_F(EmulatorTest, PurchaseEligibilityFollowsTheConfiguredRules) {
     for (const auto& [product, eligible] : cases) {
         SCOPED_TRACE(product);
         const auto answer = Outcome<std::optional<UserEligibilityResponse>>().run(
-            [&](auto done) { APIService::checkEligibility(product, done); });
+            [&product = product](auto done) { APIService::checkEligibility(product, done); });
         EXPECT_EQ(answer ? std::optional(answer->eligible) : std::nullopt, eligible);
         EXPECT_EQ(lastEntry(emu, "eligibility").target, "/billing/check?productId=" + product);
     }
