@@ -5,11 +5,10 @@
 //   build/<dir>/bench/api/ovix_api_bench
 //
 // Each upload benchmark runs the SDK and its raw baseline alternately and reports both medians and
-// their ratio, "sdk_over_raw". The user-info one runs the SDK beside three baselines, its previous
-// HTTP client and its HTTP client alone, in a shuffled order, and reports "sdk_over_easy",
-// "sdk_over_multi", "sdk_over_cpprest", "before_over_easy", "before_over_multi", "sdk_over_before"
-// and "client_over_multi" (ratios are medians of per-iteration ratios; the "*_us" are medians).
-// The "*_peak_per_body_byte" counters are the highest rise of resident memory during one run of
+// their ratio, "sdk_over_raw". The user-info one runs the SDK beside three baselines and its HTTP
+// client alone, in a shuffled order, and reports "sdk_over_easy", "sdk_over_multi",
+// "sdk_over_cpprest" and "client_over_multi" (ratios are medians of per-iteration ratios; the "*_us" are
+// medians). The "*_peak_per_body_byte" counters are the highest rise of resident memory during one run of
 // that side, over the bytes of the five bodies.
 #include <benchmark/benchmark.h>
 #include <curl/curl.h>
@@ -35,7 +34,6 @@
 #include "api/APIService.h"
 #include "api/CpprestGet.h"
 #include "api/MultiOnWorker.h"
-#include "api/PreviousCurlHttpClient.h"
 #include "ovix/OvixCore.h"
 #include "ovix/platform/Platform.h"
 #include "ovix/testing/HeadlessPlatform.h"
@@ -434,19 +432,10 @@ void UserInfo(benchmark::State& state) {
         return secondsSince(start, done.wait());
     };
 
-    // The SDK again with the client as it was before, swapped in and out around each call (only this
-    // thread reads the platform's client).
+    // The client new for each run, like the baselines' workers: a worker thread that has run since
+    // the start is placed differently by the scheduler from one started just now.
     auto platform = ovix::platform::current();
-    // Both clients new for each run, like the baselines' workers: a worker thread that has run
-    // since the start is placed differently by the scheduler from one started just now.
     platform->http = std::make_shared<ovix::platform::CurlHttpClient>();
-    auto previous = std::make_shared<ovix::bench::PreviousCurlHttpClient>();
-    auto before = [&] {
-        auto current = std::exchange(platform->http, previous);
-        const double seconds = sdk();
-        platform->http = std::move(current);
-        return seconds;
-    };
 
     // The SDK's HTTP client alone, given the request the SDK would build: what the SDK adds to the
     // transport (building the request, parsing the answer) shows as the difference from "sdk".
@@ -462,19 +451,12 @@ void UserInfo(benchmark::State& state) {
         return secondsSince(start, done.wait());
     };
 
-    const auto t = shuffled(state, {{"easy", rawEasy},
-                                    {"multi", rawMulti},
-                                    {"cpprest", peer},
-                                    {"sdk", sdk},
-                                    {"sdk_before", before},
-                                    {"client", client}});
+    const auto t = shuffled(
+        state, {{"easy", rawEasy}, {"multi", rawMulti}, {"cpprest", peer}, {"sdk", sdk}, {"client", client}});
     state.counters["sdk_over_easy"] = pairedRatio(t[3], t[0]);
     state.counters["sdk_over_multi"] = pairedRatio(t[3], t[1]);
     state.counters["sdk_over_cpprest"] = pairedRatio(t[3], t[2]);
-    state.counters["before_over_easy"] = pairedRatio(t[4], t[0]);
-    state.counters["before_over_multi"] = pairedRatio(t[4], t[1]);
-    state.counters["sdk_over_before"] = pairedRatio(t[3], t[4]);
-    state.counters["client_over_multi"] = pairedRatio(t[5], t[1]);
+    state.counters["client_over_multi"] = pairedRatio(t[4], t[1]);
     curl_slist_free_all(headers);
     curl_easy_cleanup(easy);
 }
